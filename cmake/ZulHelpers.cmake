@@ -1,0 +1,37 @@
+# Collects the sources of a library tree laid out as <root>/<mod>/impl/<mod>_<Name>.cpp.
+# Files ending in _win32.cpp or _posix.cpp are taken for their own platform only.
+# Each source gets ZUL_SOURCE_NAME, the name a throw site records ("utl/impl/utl_File").
+function(zul_collect_sources root out_var)
+  file(GLOB_RECURSE srcs CONFIGURE_DEPENDS "${root}/*/impl/*.cpp" "${root}/*/impl/*.c")
+  set(kept "")
+  foreach(src IN LISTS srcs)
+    if(src MATCHES "_${ZUL_OTHER_PLATFORM_SUFFIX}\\.(cpp|c)$")
+      continue()
+    endif()
+    file(RELATIVE_PATH rel "${root}" "${src}")
+    string(REGEX REPLACE "\\.(cpp|c)$" "" rel "${rel}")
+    string(REGEX REPLACE "_(win32|posix)$" "" rel "${rel}")
+    set_source_files_properties("${src}" PROPERTIES COMPILE_DEFINITIONS "ZUL_SOURCE_NAME=\"${rel}\"")
+    list(APPEND kept "${src}")
+  endforeach()
+  set(${out_var} "${kept}" PARENT_SCOPE)
+endfunction()
+
+# Public headers of a library tree: <root>/<mod>/*.h plus the headers at the root.
+function(zul_collect_headers root out_var)
+  file(GLOB_RECURSE hdrs CONFIGURE_DEPENDS "${root}/*.h")
+  list(FILTER hdrs EXCLUDE REGEX "/impl/")
+  set(${out_var} "${hdrs}" PARENT_SCOPE)
+endfunction()
+
+function(zul_library_defaults target)
+  set_target_properties(${target} PROPERTIES
+    CXX_VISIBILITY_PRESET hidden
+    C_VISIBILITY_PRESET hidden
+    VERSION ${PROJECT_VERSION}
+    SOVERSION ${PROJECT_VERSION_MAJOR})
+  if(WIN32)
+    # ZULFNDUTI_CoreUtils.dll, not libZULFNDUTI_CoreUtils.dll
+    set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "")
+  endif()
+endfunction()
