@@ -1,0 +1,233 @@
+// Array lists: block storage, sharing, the list operations and their contracts.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cow/cow_1DArrayList.h"
+#include "mem/mem_Memory.h"
+
+namespace {
+
+using IntList = cow_1DArrayList<int>;
+
+IntList Make(std::initializer_list<int> values)
+{
+    IntList l;
+    for (int v : values)
+        l.Append(v);
+    return l;
+}
+
+std::vector<int> Items(const IntList& l)
+{
+    std::vector<int> out;
+    for (cow_1DArrayListIter<int> it(l); it.NotDone(); ++it)
+        out.push_back(*it);
+    return out;
+}
+
+TEST(Cow1DArray, GrowthFollowsTheBlockAndSpareSlotRules)
+{
+    cow_1DArray<int> a;
+    EXPECT_EQ(a.Shift(), 0);
+    EXPECT_EQ(a.Capacity(), 0);
+    a.Grow(1);
+    EXPECT_EQ(a.Shift(), 4);
+    EXPECT_EQ(a.Capacity(), 1 + 16);  // blocks needed plus 16 spare slots
+    a.Grow(17 * 16);                  // exactly fills the table: no reallocation
+    EXPECT_EQ(a.Capacity(), 17);
+    a.Grow(17 * 16 + 1);
+    EXPECT_EQ(a.Capacity(), 18 + 16);
+    a.Grow(0);
+    EXPECT_EQ(a.Capacity(), 0);
+    EXPECT_EQ(a.Shift(), 0);
+    EXPECT_EQ(a.Size(), 0);
+}
+
+TEST(Cow1DArray, ElementsAreZeroUntilWrittenAndSurviveGrowth)
+{
+    cow_1DArray<double> a;
+    a.Get(40) = 2.5;  // writing past the end grows to 41
+    EXPECT_EQ(a.Size(), 41);
+    EXPECT_EQ(a[0], 0.0);
+    EXPECT_EQ(a[39], 0.0);
+    const double* where = &a[40];
+    a.Grow(5000);
+    EXPECT_EQ(&a[40], where) << "growth must not move elements";
+    EXPECT_EQ(a[40], 2.5);
+}
+
+TEST(Cow1DArray, WriteCopiesOnlyTheTouchedBlock)
+{
+    cow_1DArray<int> a;
+    for (int i = 0; i < 64; ++i)
+        a.Get(i) = i;
+    cow_1DArray<int> b(a);
+    EXPECT_EQ(a.UseCount(), 2);
+    b.Get(20) = -1;  // block 1
+    EXPECT_EQ(a[20], 20);
+    EXPECT_EQ(b[20], -1);
+    EXPECT_EQ(&a[0], &b[0]) << "untouched blocks stay shared";
+    EXPECT_EQ(&a[63], &b[63]);
+    EXPECT_NE(&a[16], &b[16]);
+}
+
+TEST(Cow1DArrayList, AppendInsertRemoveKeepOrder)
+{
+    IntList l = Make({1, 2, 3});
+    l.Remove(0);
+    EXPECT_EQ(Items(l), (std::vector<int>{2, 3}));
+    EXPECT_EQ(l.Storage()[2], 0) << "the vacated place is reset";
+
+    l.Insert(0, 7);
+    l.Insert(l.Count(), 9);  // same as Append
+    l.Insert(1, 8);
+    EXPECT_EQ(Items(l), (std::vector<int>{7, 8, 2, 3, 9}));
+    EXPECT_EQ(l.Pop(), 9);
+    EXPECT_EQ(l.Count(), 4);
+}
+
+TEST(Cow1DArrayList, InsertBeyondCountLeavesDefaultsBetween)
+{
+    IntList l = Make({1});
+    l.Insert(3, 5);
+    EXPECT_EQ(l.Count(), 2);  // count only rises by one: the caller's contract
+    EXPECT_EQ(l.Storage()[1], 0);
+    EXPECT_EQ(l.Storage()[3], 5);
+}
+
+TEST(Cow1DArrayList, RemoveOnEmptyDrivesCountNegativeWithoutTouchingMemory)
+{
+    IntList l;
+    l.Remove(0);
+    EXPECT_EQ(l.Count(), -1);
+    l.Pop();
+    EXPECT_EQ(l.Count(), -2);
+    l.ClearAll();
+    EXPECT_EQ(l.Count(), 0);
+}
+
+TEST(Cow1DArrayList, FindFirstAnswersCountWhenMissing)
+{
+    IntList l = Make({4, 5, 4});
+    EXPECT_EQ(l.FindFirst(4), 0);
+    EXPECT_EQ(l.FindFirst(6), 3);
+    EXPECT_FALSE(l.IsMember(6));
+    l.AppendUnlessMember(5);
+    l.AppendUnlessMember(6);
+    l.RemoveMember(4);
+    EXPECT_EQ(Items(l), (std::vector<int>{5, 4, 6}));
+}
+
+TEST(Cow1DArrayList, SliceClipsAndYieldsEmptyRanges)
+{
+    IntList l = Make({0, 1, 2, 3, 4});
+    EXPECT_EQ(Items(l.Slice(2, 100)), (std::vector<int>{2, 3, 4}));
+    EXPECT_EQ(l.Slice(5, 9).Count(), 0);
+    EXPECT_EQ(l.Slice(3, 1).Count(), 0);
+    IntList out = Make({9});
+    l.Slice(1, 3, out);
+    EXPECT_EQ(Items(out), (std::vector<int>{1, 2}));
+}
+
+TEST(Cow1DArrayList, SharedListsAreEqualAndIsolatedAfterAWrite)
+{
+    IntList a;
+    for (int i = 0; i < 100; ++i)
+        a.Append(i);
+    IntList b(a);
+    EXPECT_TRUE(a.IsEqual(b));
+    b.Get(50) = -50;
+    EXPECT_EQ(a[50], 50);
+    EXPECT_FALSE(a.IsEqual(b));
+    EXPECT_FALSE(a.IsEqual(Make({1})));
+    EXPECT_TRUE(IntList().IsEqual(IntList()));
+}
+
+TEST(Cow1DArrayList, AppendListGrowsToTheOtherCountOnly)
+{
+    IntList a = Make({1});
+    IntList b;
+    for (int i = 0; i < 40; ++i)
+        b.Append(i);
+    a.Append(b);
+    EXPECT_EQ(a.Count(), 41);
+    EXPECT_EQ(a[0], 1);
+    EXPECT_EQ(a[40], 39);
+    a.Append(a);  // appending itself doubles it
+    EXPECT_EQ(a.Count(), 82);
+    EXPECT_EQ(a[81], 39);
+}
+
+TEST(Cow1DArrayList, GetCArrayCopiesAndHandsOwnershipOver)
+{
+    int n = -1;
+    int* empty = IntList().GetCArray(n);
+    EXPECT_EQ(n, 0);
+    mem_Free(empty);
+
+    IntList l = Make({3, 1, 4});
+    int* raw = l.GetCArray(n);
+    ASSERT_EQ(n, 3);
+    EXPECT_EQ(raw[0], 3);
+    EXPECT_EQ(raw[2], 4);
+    mem_Free(raw);
+}
+
+TEST(Cow1DArrayList, ListsOfListsShareInnerStorage)
+{
+    cow_1DArrayList<cow_1DArrayList<int>> outer;
+    outer.Append(Make({1, 2}));
+    cow_1DArrayList<cow_1DArrayList<int>> copy(outer);
+    copy.Get(0).Append(3);
+    EXPECT_EQ(outer[0].Count(), 2);
+    EXPECT_EQ(copy[0].Count(), 3);
+}
+
+// Every failing allocation point of a write on a shared list leaves both sharers unchanged.
+TEST(Cow1DArrayList, FailedWritesOnASharedListChangeNothing)
+{
+    IntList original;
+    for (int i = 0; i < 70; ++i)
+        original.Append(i);
+    const std::vector<int> before = Items(original);
+
+    const std::vector<std::pair<const char*, void (*)(IntList&)>> writes = {
+        {"Insert", [](IntList& l) { l.Insert(3, 99); }},
+        {"Remove", [](IntList& l) { l.Remove(5); }},
+        {"Append", [](IntList& l) { l.Append(99); }},
+        {"AppendList", [](IntList& l) { IntList more = l; l.Append(more); }},
+        {"Get", [](IntList& l) { l.Get(33) = 99; }},
+    };
+    for (const auto& write : writes) {
+        bool succeeded = false;
+        for (long n = 1; !succeeded && n < 200; ++n) {
+            IntList sharer(original);
+            mem_TestFailAllocation(n);
+            try {
+                write.second(sharer);
+                succeeded = true;
+            } catch (...) {
+                mem_TestFailAllocation(0);
+                EXPECT_EQ(Items(sharer), before) << write.first << " failing at allocation " << n;
+            }
+            mem_TestFailAllocation(0);
+            EXPECT_EQ(Items(original), before) << write.first << " failing at allocation " << n;
+        }
+        EXPECT_TRUE(succeeded) << write.first;
+    }
+}
+
+TEST(Cow1DArrayList, StringElementsResetToEmptyOnRemove)
+{
+    cow_1DArrayList<std::string> l;
+    l.Append("a");
+    l.Append("b");
+    l.Remove(0);
+    EXPECT_EQ(l.Count(), 1);
+    EXPECT_EQ(l[0], "b");
+    EXPECT_EQ(l.Storage()[1], "");
+}
+
+}  // namespace
