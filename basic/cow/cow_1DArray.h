@@ -20,6 +20,7 @@
 
 #include "cow/cow_COW.h"
 #include "mem/mem_Memory.h"
+#include "mem/mem_OutOfMemory.h"
 
 template <class T>
 struct cow_1DArrayBlock {

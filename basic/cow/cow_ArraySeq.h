@@ -9,6 +9,7 @@
 
 #include "cow/cow_1DArray.h"
 #include "mem/mem_Memory.h"
+#include "mem/mem_OutOfMemory.h"
 
 template <class T>
 class cow_ArraySeq {
