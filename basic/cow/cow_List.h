@@ -22,6 +22,7 @@
 
 #include "cow/cow_1DArrayList.h"
 #include "cow/cow_ArraySeq.h"
+#include "cow/cow_String.h"
 
 // Three-way comparison used by cow_List::Sort: -1, 0 or 1.
 template <class T>
@@ -236,5 +237,18 @@ private:
     cow_List<T> m_list;
     int m_pos;
 };
+
+// The greatest length among the strings of a list, read from each representation; 0 for an
+// empty list or strings without representation.
+inline unsigned int GetLengthLongestString(const cow_List<cow_String>& list)
+{
+    unsigned int longest = 0;
+    for (int i = 0; i < list.Count(); ++i) {
+        const unsigned int length = static_cast<unsigned int>(list[i].Length());  // 0 without representation
+        if (length > longest)
+            longest = length;
+    }
+    return longest;
+}
 
 #endif
