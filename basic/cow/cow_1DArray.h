@@ -4,8 +4,9 @@
 // are shared between copies: copying an array costs one increment; a write copies the table
 // (raising each block's count) and then only the one block it touches. Growth never moves
 // elements: only the table is reallocated, with 16 spare slots each time it must grow.
-// Blocks are made lazily, on the first read or write of one of their elements, with every
-// element value-initialised (zero for numbers).
+// Blocks are made lazily, on the first write to one of their elements, with every element
+// value-initialised (zero for numbers); until then reading one of its elements yields a shared
+// default value, so reads never allocate.
 //
 // Element i lives in block (i + offset) >> shift at (i + offset) - (block << shift).
 //
@@ -268,14 +269,21 @@ private:
         mem_Free(block);
     }
 
-    // Lazily made blocks are visible to every sharer of the table: they hold only defaults.
+    // A block not made yet holds only default values: reading it yields the shared default
+    // element, so reads never allocate and never change the table.
     const T& Element(int32_t full) const
     {
         const int32_t b = full >> m_shift;
-        Block*& slot = m_table[b];
-        if (!slot)
-            slot = NewBlock(nullptr);
-        return slot->elements[full - (b << m_shift)];
+        const Block* block = m_table[b];
+        if (__builtin_expect(block != nullptr, 1))
+            return block->elements[full - (b << m_shift)];
+        return DefaultElement();
+    }
+
+    static const T& DefaultElement()
+    {
+        static const T value{};
+        return value;
     }
 
     // Requires a private table; makes the block private too.
