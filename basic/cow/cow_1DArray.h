@@ -282,7 +282,7 @@ private:
 
     static const T& DefaultElement()
     {
-        static const T value{};
+        static const T value = T();
         return value;
     }
 

@@ -25,7 +25,7 @@ class cow_1DArrayList : public cow_ArraySeq<T> {
     using Base = cow_ArraySeq<T>;
 
 public:
-    cow_1DArrayList() = default;
+    cow_1DArrayList() {}
 
     void Append(const T& value) { this->AppendOne(value); }
 

@@ -44,7 +44,7 @@ int cow_SortCompare(const cow_1DArrayList<T>& a, const cow_1DArrayList<T>& b)
 template <class T>
 class cow_List : public cow_ArraySeq<T> {
 public:
-    cow_List() = default;
+    cow_List() {}
 
     cow_List& Append(const T& value)
     {
