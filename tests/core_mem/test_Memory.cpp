@@ -1,0 +1,154 @@
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <cstring>
+#include <new>
+#include <thread>
+#include <vector>
+
+#include "mem/mem_Memory.h"
+
+namespace {
+
+struct ThrowerError {
+    size_t size;
+};
+
+size_t g_seenSize = 0;
+
+void RecordingThrower(size_t size)
+{
+    g_seenSize = size;
+    throw ThrowerError{size};
+}
+
+void ReturningThrower(size_t size) { g_seenSize = size; }
+
+// Restores the thrower and disarms the hook whatever a test does.
+class MemTest : public ::testing::Test {
+protected:
+    void SetUp() override
+    {
+        m_saved = mem_GetOutOfMemoryThrower();
+        g_seenSize = 0;
+    }
+    void TearDown() override
+    {
+        mem_TestFailAllocation(0);
+        mem_SetOutOfMemoryThrower(m_saved);
+    }
+    mem_OutOfMemoryThrower m_saved = nullptr;
+};
+
+}  // namespace
+
+TEST_F(MemTest, BlocksFromEveryEntryPointAreUsableAndFreedByMemFree)
+{
+    void* a = mem_OperatorNewThrow(100);
+    void* b = mem_OperatorNewTinyThrow(8);
+    void* c = mem_OperatorNewThrowBuiltin(0);  // size 0 still gives a block
+    void* d = mem_Malloc(50);
+    ASSERT_TRUE(a && b && c && d);
+    std::memset(a, 1, 100);
+    std::memset(b, 2, 8);
+    std::memset(d, 3, 50);
+    d = mem_Realloc(d, 5000);
+    ASSERT_NE(d, nullptr);
+    EXPECT_EQ(static_cast<unsigned char*>(d)[49], 3);  // contents kept by realloc
+    mem_Free(a);
+    mem_Free(b);
+    mem_Free(c);
+    mem_Free(d);
+    mem_Free(nullptr);
+}
+
+TEST_F(MemTest, HookFailsExactlyTheNthAllocation)
+{
+    mem_SetOutOfMemoryThrower(&RecordingThrower);
+    mem_TestFailAllocation(3);
+    EXPECT_EQ(mem_TestFailAllocationPending(), 3);
+    void* first = mem_OperatorNewThrow(16);
+    void* second = mem_Malloc(16);
+    EXPECT_EQ(mem_TestFailAllocationPending(), 1);
+    try {
+        mem_OperatorNewTinyThrow(24);
+        FAIL() << "third allocation should fail";
+    } catch (const ThrowerError& e) {
+        EXPECT_EQ(e.size, 24u);
+    }
+    EXPECT_EQ(mem_TestFailAllocationPending(), 0);
+    void* fourth = mem_OperatorNewThrow(16);  // the hook fired once and is now disarmed
+    EXPECT_NE(fourth, nullptr);
+    mem_Free(first);
+    mem_Free(second);
+    mem_Free(fourth);
+}
+
+TEST_F(MemTest, UntypedAllocationsReturnNullUnderTheHook)
+{
+    mem_SetOutOfMemoryThrower(&RecordingThrower);
+    mem_TestFailAllocation(1);
+    EXPECT_EQ(mem_Malloc(10), nullptr);
+    EXPECT_EQ(g_seenSize, 0u);  // the thrower is for the throwing entry points only
+
+    char* p = static_cast<char*>(mem_Malloc(4));
+    ASSERT_NE(p, nullptr);
+    std::memcpy(p, "abc", 4);
+    mem_TestFailAllocation(1);
+    EXPECT_EQ(mem_Realloc(p, 1 << 20), nullptr);
+    EXPECT_STREQ(p, "abc");  // the old block survives a failed realloc
+    mem_Free(p);
+}
+
+TEST_F(MemTest, WithoutThrowerOrWhenItReturnsBadAllocIsThrown)
+{
+    mem_SetOutOfMemoryThrower(nullptr);
+    mem_TestFailAllocation(1);
+    EXPECT_THROW(mem_OperatorNewThrow(8), std::bad_alloc);
+
+    mem_SetOutOfMemoryThrower(&ReturningThrower);
+    mem_TestFailAllocation(1);
+    EXPECT_THROW(mem_OperatorNewThrowBuiltin(77), std::bad_alloc);
+    EXPECT_EQ(g_seenSize, 77u);
+}
+
+TEST_F(MemTest, SetThrowerReturnsThePreviousOne)
+{
+    mem_SetOutOfMemoryThrower(&RecordingThrower);
+    EXPECT_EQ(mem_SetOutOfMemoryThrower(&ReturningThrower), &RecordingThrower);
+    EXPECT_EQ(mem_SetOutOfMemoryThrower(nullptr), &ReturningThrower);
+}
+
+TEST_F(MemTest, DisarmingAndNonPositiveCounts)
+{
+    mem_TestFailAllocation(2);
+    mem_TestFailAllocation(0);
+    EXPECT_EQ(mem_TestFailAllocationPending(), 0);
+    mem_TestFailAllocation(-5);
+    EXPECT_EQ(mem_TestFailAllocationPending(), 0);
+    for (int i = 0; i < 10; ++i)
+        mem_Free(mem_OperatorNewThrow(8));
+}
+
+TEST_F(MemTest, HookCountsAllocationsOfAllThreadsExactlyOnce)
+{
+    const int threads = 4;
+    const int perThread = 2000;
+    mem_TestFailAllocation(3 * perThread);
+    std::atomic<int> failures{0};
+    std::vector<std::thread> pool;
+    for (int t = 0; t < threads; ++t) {
+        pool.emplace_back([&failures] {
+            for (int i = 0; i < perThread; ++i) {
+                void* p = mem_Malloc(16);
+                if (!p)
+                    ++failures;
+                mem_Free(p);
+            }
+        });
+    }
+    for (std::thread& t : pool)
+        t.join();
+    EXPECT_EQ(failures.load(), 1);
+    EXPECT_EQ(mem_TestFailAllocationPending(), 0);
+}
