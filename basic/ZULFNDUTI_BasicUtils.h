@@ -1,0 +1,53 @@
+// Every public header of ZULFNDUTI_CoreUtils and ZULFNDUTI_BasicUtils.
+#ifndef ZULFNDUTI_BASICUTILS_H
+#define ZULFNDUTI_BASICUTILS_H
+
+// Lower library
+#include "aio/aio_ofstream.h"
+#include "aio/aio_ostream.h"
+#include "aio/aio_ostrstream.h"
+#include "atr/atr_String.h"
+#include "atr/atr_StringBase.h"
+#include "atr/atr_StringOps.h"
+#include "atr/atr_translate.h"
+#include "mem/mem_Memory.h"
+#include "mem/mem_OutOfMemory.h"
+#include "omi/omi_BlkBitVect.h"
+#include "omi/omi_CoreUtils.h"
+#include "omi/omi_HashValue.h"
+#include "omi/omi_Swapper.h"
+#include "omi/omi_SystemErrorCode.h"
+#include "omi/omi_Timer.h"
+#include "omi/omi_strtoSizeT.h"
+
+// Upper library
+#include "bio/bio_Initialize.h"
+#include "cls/cls_Initialize.h"
+#include "cow/cow_Initialize.h"
+#include "mem/mem_AllocationOperators.h"
+#include "mrm/mrm_Initialize.h"
+#include "nex/nex_Exception.h"
+#include "nex/nex_Initialize.h"
+#include "nex/nex_OutOfMemoryException.h"
+#include "nex/nex_TypeTable.h"
+#include "omi/omi_Singleton.h"
+#include "pdc/pdc_Initialize.h"
+#include "pnt/pnt_Initialize.h"
+#include "rgx/rgx_Initialize.h"
+#include "thr/thr_Initialize.h"
+#include "typ/typ_DebugFlags.h"
+#include "typ/typ_Initialize.h"
+#include "typ/typ_Module.h"
+#include "uti/uti_BasicUtils.h"
+#include "uti/uti_Initialize.h"
+#include "utl/utl_Initialize.h"
+#include "cow/cow_1DArray.h"
+#include "cow/cow_1DArrayList.h"
+#include "cow/cow_ArraySeq.h"
+#include "cow/cow_COW.h"
+#include "cow/cow_IntrusiveCountedBase.h"
+#include "cow/cow_List.h"
+#include "cow/cow_String.h"
+#include "cow/cow_SystemErrorCode.h"
+
+#endif

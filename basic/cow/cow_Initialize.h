@@ -1,0 +1,10 @@
+// Start-up and shut-down of the cow module (copy-on-write containers); see typ/typ_Module.h for the counting rule.
+#ifndef COW_INITIALIZE_H
+#define COW_INITIALIZE_H
+
+#include "zul_BasicExport.h"
+
+ZUL_BASIC_API void cow_initialize(int& count);
+ZUL_BASIC_API void cow_finalize(int& count);
+
+#endif

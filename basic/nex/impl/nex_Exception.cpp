@@ -1,0 +1,99 @@
+#include "nex/nex_Exception.h"
+
+#include <exception>
+
+#include "atr/atr_translate.h"
+
+nex_Exception::nex_Exception() : m_line(0) {}
+nex_Exception::nex_Exception(const nex_Exception& o) : mem_AllocationOperators(), m_file(o.m_file), m_line(o.m_line) {}
+nex_Exception& nex_Exception::operator=(const nex_Exception& o)
+{
+    m_file = o.m_file;
+    m_line = o.m_line;
+    return *this;
+}
+nex_Exception::~nex_Exception() {}
+
+unsigned nex_Exception::TypeId()
+{
+    return 0x1F0001u;
+}
+
+unsigned nex_Exception::DynTypeId() const
+{
+    return 0x1F0001u;
+}
+
+atr_String nex_Exception::UserReport() const
+{
+    return AsString();
+}
+
+atr_String nex_Exception::DeveloperReport() const
+{
+    return atr_translate("Exception: %s in file %s at line %d").Arg(UserReport()).Arg(m_file).Arg(m_line).Result();
+}
+
+void nex_Exception::Throw(const char* file, int line)
+{
+    m_file = file ? file : "";
+    m_line = line;
+    Propagate();
+    std::terminate();  // Propagate always throws
+}
+
+nex_TextException::nex_TextException(const atr_String& message) : m_Value(message) {}
+nex_TextException::nex_TextException(const char* message) : m_Value(message) {}
+atr_String nex_TextException::AsString() const
+{
+    return m_Value;
+}
+
+atr_String nex_CommandException::AsString() const
+{
+    atr_String text = atr_translate("%s: ").Arg(PythonType()).Result();
+    text += JournalMessage();
+    return text;
+}
+
+nex_AssertException::nex_AssertException(const atr_String& condition) : m_Value(condition) {}
+nex_AssertException::nex_AssertException(const char* condition) : m_Value(condition) {}
+atr_String nex_AssertException::AsString() const
+{
+    return atr_translate("%s").Arg(m_Value).Result();
+}
+
+nex_BadCastException::nex_BadCastException(const atr_String& message) : m_Value(message) {}
+atr_String nex_BadCastException::AsString() const
+{
+    return m_Value;
+}
+
+nex_ExitException::nex_ExitException(const atr_String& message, int exitCode) : m_Value{message, exitCode} {}
+atr_String nex_ExitException::AsString() const
+{
+    if (!m_Value.m_Msg.IsEmpty())
+        return m_Value.m_Msg;
+    atr_String text("Exit code: ");
+    text += atr_String(static_cast<int>(m_Value.m_Err));
+    return text;
+}
+
+nex_InvalidObjException::nex_InvalidObjException(const atr_String& message) : m_Value(message) {}
+atr_String nex_InvalidObjException::AsString() const
+{
+    return m_Value;
+}
+
+nex_SystemErrorException::nex_SystemErrorException(const omi_SystemErrorCode& code) : m_Value(code) {}
+atr_String nex_SystemErrorException::AsString() const
+{
+    return atr_translate("%s").Arg(m_Value.GetText()).Result();
+}
+
+void nex_formalize() {}
+
+bool nex_assertFormalize()
+{
+    return false;
+}

@@ -1,0 +1,177 @@
+// The library's exceptions: the root nex_Exception and the general-purpose classes.
+//
+// Every failure is reported by throwing an object derived from nex_Exception. A throw site builds
+// the exception on the stack and calls Throw(file, line) with its source name and line; Throw
+// records them and calls Propagate(), which throws a copy as the object's own dynamic type, so
+// handlers can catch the concrete class or any base. Copy() makes a heap copy of the dynamic
+// type (used to hold exceptions in cow_COW<nex_Exception, cow_Virtual<nex_Exception>>).
+//
+// Type ids (module 31 = 0x1F in the high 16 bits): nex_Exception 0x1F0001, nex_TextException
+// 0x1F0002, nex_CommandException 0x1F0003, nex_AssertException 0x1F0004, nex_BadCastException
+// 0x1F0005, nex_ExitException 0x1F0006, nex_InvalidObjException 0x1F0007,
+// nex_SystemErrorException 0x1F0008, nex_OutOfMemoryException 0x1F0009.
+//
+// Persistence of the exceptions (the uid field, DBWrite and construction from a read visitor)
+// comes with the class registry.
+//
+// A module deriving its own exception class writes NEX_EXCEPTION_CLASS(Class, id) in its body
+// to get TypeId, DynTypeId, Propagate and Copy.
+#ifndef NEX_EXCEPTION_H
+#define NEX_EXCEPTION_H
+
+#include <cstdint>
+
+#include "atr/atr_String.h"
+#include "mem/mem_AllocationOperators.h"
+#include "omi/omi_SystemErrorCode.h"
+#include "zul_BasicExport.h"
+
+#define NEX_EXCEPTION_CLASS(Class, id)                                         \
+public:                                                                        \
+    static unsigned TypeId() { return (id); }                                  \
+    unsigned DynTypeId() const override { return (id); }                       \
+    [[noreturn]] void Propagate() const override { throw Class(*this); }       \
+    nex_Exception* Copy() const override { return new Class(*this); }
+
+class ZUL_BASIC_API nex_Exception : public mem_AllocationOperators {
+public:
+    virtual ~nex_Exception();
+
+    // "Exception: <UserReport()> in file <file> at line <line>" (an empty file and line 0 until
+    // the exception has been thrown).
+    virtual atr_String DeveloperReport() const;
+    // AsString().
+    virtual atr_String UserReport() const;
+    virtual atr_String AsString() const = 0;
+    // Throws a copy of the object as its own dynamic type.
+    [[noreturn]] virtual void Propagate() const = 0;
+    // A new heap copy of the dynamic type.
+    virtual nex_Exception* Copy() const = 0;
+    virtual unsigned DynTypeId() const;
+    static unsigned TypeId();
+
+    // Records the throw site and propagates. Never returns.
+    [[noreturn]] void Throw(const char* file, int line);
+
+    const atr_String& File() const { return m_file; }
+    int Line() const { return m_line; }
+
+protected:
+    nex_Exception();
+    nex_Exception(const nex_Exception&);
+    nex_Exception& operator=(const nex_Exception&);
+
+private:
+    atr_String m_file;
+    int32_t m_line;
+};
+
+// An error described by its message alone.
+class ZUL_BASIC_API nex_TextException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_TextException, 0x1F0002u)
+public:
+    explicit nex_TextException(const atr_String& message);
+    explicit nex_TextException(const char* message);
+    // The message as it stands.
+    atr_String AsString() const override;
+    const atr_String& Message() const { return m_Value; }
+
+protected:
+    atr_String m_Value;
+};
+
+// An error visible to the product's scripting layer: reported as "<PythonType()>: <JournalMessage()>".
+class ZUL_BASIC_API nex_CommandException : public nex_Exception {
+public:
+    static unsigned TypeId() { return 0x1F0003u; }
+    unsigned DynTypeId() const override { return 0x1F0003u; }
+    atr_String AsString() const override;
+    virtual atr_String JournalMessage() const = 0;
+    // The name under which the scripting layer knows the exception.
+    virtual atr_String PythonType() const = 0;
+
+protected:
+    nex_CommandException() {}
+};
+
+// A failed internal condition; the text is the condition as written in the source.
+class ZUL_BASIC_API nex_AssertException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_AssertException, 0x1F0004u)
+public:
+    explicit nex_AssertException(const atr_String& condition);
+    explicit nex_AssertException(const char* condition);
+    atr_String AsString() const override;
+    const atr_String& Condition() const { return m_Value; }
+
+protected:
+    atr_String m_Value;
+};
+
+// A checked downcast that is not allowed (see nex_canDynamicCastRef).
+class ZUL_BASIC_API nex_BadCastException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_BadCastException, 0x1F0005u)
+public:
+    explicit nex_BadCastException(const atr_String& message);
+    atr_String AsString() const override;
+
+protected:
+    atr_String m_Value;
+};
+
+// A request to end the program with an exit code.
+class ZUL_BASIC_API nex_ExitException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_ExitException, 0x1F0006u)
+public:
+    struct Value {
+        atr_String m_Msg;
+        int32_t m_Err;
+    };
+    nex_ExitException(const atr_String& message, int exitCode);
+    // The message if it is not empty, else "Exit code: " and the code in decimal.
+    atr_String AsString() const override;
+    int ExitCode() const { return m_Value.m_Err; }
+    const atr_String& Message() const { return m_Value.m_Msg; }
+
+protected:
+    Value m_Value;
+};
+
+// An object found in an invalid state.
+class ZUL_BASIC_API nex_InvalidObjException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_InvalidObjException, 0x1F0007u)
+public:
+    explicit nex_InvalidObjException(const atr_String& message);
+    atr_String AsString() const override;
+
+protected:
+    atr_String m_Value;
+};
+
+// A failed system call, carrying its error code; reported as the code's own text.
+class ZUL_BASIC_API nex_SystemErrorException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_SystemErrorException, 0x1F0008u)
+public:
+    explicit nex_SystemErrorException(const omi_SystemErrorCode& code);
+    atr_String AsString() const override;
+    const omi_SystemErrorCode& Code() const { return m_Value; }
+
+protected:
+    omi_SystemErrorCode m_Value;
+};
+
+// Throws nex_AssertException with the condition's text from this source file and line.
+#define NEX_ASSERT_AT(cond, source)                          \
+    do {                                                     \
+        if (!(cond)) {                                       \
+            nex_AssertException nex_assert_failure_(#cond);  \
+            nex_assert_failure_.Throw((source), __LINE__);   \
+        }                                                    \
+    } while (0)
+#define NEX_ASSERT(cond) NEX_ASSERT_AT(cond, ZUL_SOURCE_NAME)
+
+// Entry points that a client can reference; they do nothing.
+ZUL_BASIC_API void nex_formalize();
+// Does nothing and answers false.
+ZUL_BASIC_API bool nex_assertFormalize();
+
+#endif

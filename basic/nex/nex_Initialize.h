@@ -1,0 +1,10 @@
+// Start-up and shut-down of the nex module (exceptions); see typ/typ_Module.h for the counting rule.
+#ifndef NEX_INITIALIZE_H
+#define NEX_INITIALIZE_H
+
+#include "zul_BasicExport.h"
+
+ZUL_BASIC_API void nex_initialize(int& count);
+ZUL_BASIC_API void nex_finalize(int& count);
+
+#endif

@@ -1,0 +1,54 @@
+// nex_OutOfMemoryException: raised when memory runs out (the memory layer's failure path).
+//
+// The module keeps two texts, built by the nex module's start-up and freed by its tear-down:
+// the product message addressed to the product's users, and a generic one. Constructing an
+// exception with a message appends that message to the end of both texts (product text first),
+// every time; nothing resets them until the module's tear-down. This is intended.
+#ifndef NEX_OUTOFMEMORYEXCEPTION_H
+#define NEX_OUTOFMEMORYEXCEPTION_H
+
+#include "nex/nex_Exception.h"
+
+enum nex_OutOfMemoryErrEnm {
+    nex_OutOfMemoryUnknown = 0,
+    nex_OutOfMemoryAllocation = 1,  // an allocation of the memory layer failed
+    nex_OutOfMemoryLimit = 2,       // a memory limit of the product was reached
+};
+
+class ZUL_BASIC_API nex_OutOfMemoryException : public nex_Exception {
+    NEX_EXCEPTION_CLASS(nex_OutOfMemoryException, 0x1F0009u)
+public:
+    // An empty message.
+    explicit nex_OutOfMemoryException(nex_OutOfMemoryErrEnm reason);
+    // Stores the message and appends it to both module-wide texts.
+    nex_OutOfMemoryException(const atr_String& message, nex_OutOfMemoryErrEnm reason);
+
+    // JournalMessage().
+    atr_String AsString() const override;
+    // A copy of the product message (empty while the nex module is down).
+    virtual atr_String JournalMessage() const;
+    // The scripting layer's name of this exception: "OutOfMemory".
+    virtual atr_String PythonType() const;
+
+    const atr_String& Message() const { return m_Msg; }
+    nex_OutOfMemoryErrEnm Reason() const { return m_Err; }
+
+    // The generic text, for callers that print it without the product wording (null while the
+    // nex module is down).
+    static atr_String* GetOutOfMemoryMsgGeneric();
+    static atr_String* GetOutOfMemoryMsgProduct();
+
+    // Module start-up and tear-down of the two texts.
+    static void BuildMessages();
+    static void FreeMessages();
+
+protected:
+    atr_String m_Msg;
+    nex_OutOfMemoryErrEnm m_Err;
+};
+
+// The out-of-memory thrower installed into the memory layer while the library is up: raises
+// nex_OutOfMemoryException (reason nex_OutOfMemoryAllocation, empty message).
+ZUL_BASIC_API void nex_ThrowOutOfMemory(size_t requested);
+
+#endif

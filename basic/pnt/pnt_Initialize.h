@@ -1,0 +1,10 @@
+// Start-up and shut-down of the pnt module (pretty printing); see typ/typ_Module.h for the counting rule.
+#ifndef PNT_INITIALIZE_H
+#define PNT_INITIALIZE_H
+
+#include "zul_BasicExport.h"
+
+ZUL_BASIC_API void pnt_initialize(int& count);
+ZUL_BASIC_API void pnt_finalize(int& count);
+
+#endif

@@ -1,0 +1,10 @@
+// Start-up and shut-down of the rgx module (regular expressions); see typ/typ_Module.h for the counting rule.
+#ifndef RGX_INITIALIZE_H
+#define RGX_INITIALIZE_H
+
+#include "zul_BasicExport.h"
+
+ZUL_BASIC_API void rgx_initialize(int& count);
+ZUL_BASIC_API void rgx_finalize(int& count);
+
+#endif

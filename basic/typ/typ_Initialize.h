@@ -1,0 +1,10 @@
+// Start-up and shut-down of the typ module (types, debug flags); see typ/typ_Module.h for the counting rule.
+#ifndef TYP_INITIALIZE_H
+#define TYP_INITIALIZE_H
+
+#include "zul_BasicExport.h"
+
+ZUL_BASIC_API void typ_initialize(int& count);
+ZUL_BASIC_API void typ_finalize(int& count);
+
+#endif
