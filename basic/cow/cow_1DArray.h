@@ -200,16 +200,8 @@ public:
             from = 0;
         if (last < from)
             return;
-        for (int32_t b = (from + m_offset) >> m_shift; b <= ((last + m_offset) >> m_shift); ++b) {
-            Block*& slot = m_table[b];
-            if (!slot) {
-                slot = NewBlock(nullptr);
-            } else if (slot->count > 1) {
-                Block* copy = NewBlock(slot->elements);
-                --slot->count;
-                slot = copy;
-            }
-        }
+        for (int32_t b = (from + m_offset) >> m_shift; b <= ((last + m_offset) >> m_shift); ++b)
+            PrivateBlock(m_table[b]);
     }
 
 private:
@@ -286,11 +278,10 @@ private:
         return value;
     }
 
-    // Requires a private table; makes the block private too.
-    T& PrivateElement(int32_t full)
+    // Makes a table slot hold a block of its own: a new one when none is made yet, a copy when
+    // the block is shared with another table. Requires a private table.
+    Block* PrivateBlock(Block*& slot)
     {
-        const int32_t b = full >> m_shift;
-        Block*& slot = m_table[b];
         if (!slot) {
             slot = NewBlock(nullptr);
         } else if (slot->count > 1) {
@@ -298,7 +289,13 @@ private:
             --slot->count;
             slot = copy;
         }
-        return slot->elements[full - (b << m_shift)];
+        return slot;
+    }
+
+    T& PrivateElement(int32_t full)
+    {
+        const int32_t b = full >> m_shift;
+        return PrivateBlock(m_table[b])->elements[full - (b << m_shift)];
     }
 
     void Release()

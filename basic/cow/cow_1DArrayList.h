@@ -99,28 +99,11 @@ public:
     }
 };
 
-// Walks positions 0 .. count-1 of a list as it was when the iterator was made.
+// Walks a list from index 0 to count - 1, as it was when the iterator was made.
 template <class T>
-class cow_1DArrayListIter {
+class cow_1DArrayListIter : public cow_ArraySeqIter<cow_1DArrayList<T>, T> {
 public:
-    explicit cow_1DArrayListIter(const cow_1DArrayList<T>& list) : m_list(list), m_pos(0) {}
-    ~cow_1DArrayListIter() = default;
-
-    bool NotDone() const { return m_pos < m_list.Count(); }
-    void Next() { ++m_pos; }
-    cow_1DArrayListIter& operator++()
-    {
-        ++m_pos;
-        return *this;
-    }
-    const T& Current() const { return m_list[m_pos]; }
-    const T& operator*() const { return m_list[m_pos]; }
-    int Position() const { return m_pos; }
-    void Reset() { m_pos = 0; }
-
-private:
-    cow_1DArrayList<T> m_list;  // shares the storage: later writes to the source do not show
-    int m_pos;
+    explicit cow_1DArrayListIter(const cow_1DArrayList<T>& list) : cow_ArraySeqIter<cow_1DArrayList<T>, T>(list) {}
 };
 
 #endif

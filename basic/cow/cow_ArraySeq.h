@@ -160,4 +160,28 @@ protected:
     cow_1DArray<T> m_storage;
 };
 
+// Walks positions 0 .. count-1 of a sequence as it was when the iterator was made (it holds a
+// copy, which shares the storage, so later writes to the source do not show).
+template <class Seq, class T>
+class cow_ArraySeqIter {
+public:
+    explicit cow_ArraySeqIter(const Seq& seq) : m_seq(seq), m_pos(0) {}
+
+    bool NotDone() const { return m_pos < m_seq.Count(); }
+    void Next() { ++m_pos; }
+    cow_ArraySeqIter& operator++()
+    {
+        ++m_pos;
+        return *this;
+    }
+    const T& Current() const { return m_seq[m_pos]; }
+    const T& operator*() const { return m_seq[m_pos]; }
+    int Position() const { return m_pos; }
+    void Reset() { m_pos = 0; }
+
+private:
+    Seq m_seq;
+    int m_pos;
+};
+
 #endif

@@ -217,25 +217,9 @@ private:
 
 // Walks a list from index 0 to count - 1, as it was when the iterator was made.
 template <class T>
-class cow_ListIter {
+class cow_ListIter : public cow_ArraySeqIter<cow_List<T>, T> {
 public:
-    explicit cow_ListIter(const cow_List<T>& list) : m_list(list), m_pos(0) {}
-
-    bool NotDone() const { return m_pos < m_list.Count(); }
-    void Next() { ++m_pos; }
-    cow_ListIter& operator++()
-    {
-        ++m_pos;
-        return *this;
-    }
-    const T& Current() const { return m_list[m_pos]; }
-    const T& operator*() const { return m_list[m_pos]; }
-    int Position() const { return m_pos; }
-    void Reset() { m_pos = 0; }
-
-private:
-    cow_List<T> m_list;
-    int m_pos;
+    explicit cow_ListIter(const cow_List<T>& list) : cow_ArraySeqIter<cow_List<T>, T>(list) {}
 };
 
 // The greatest length among the strings of a list, read from each representation; 0 for an
