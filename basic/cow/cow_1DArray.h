@@ -75,10 +75,16 @@ public:
     // the array and the block concerned are made private first.
     T& Get(int i)
     {
-        if (i >= Size())
-            Grow(i + 1);
-        else
+        if (i >= Size()) {
+            // Writing just past the end of a private array whose table has room is what Grow
+            // would do in that case, without its general steps (the common append).
+            if (i == Size() && m_shift != 0 && *m_counter == 1 && BlocksFor(m_fullSize + 1, m_shift) <= m_capacity)
+                ++m_fullSize;
+            else
+                Grow(i + 1);
+        } else {
             MakePrivate();
+        }
         return PrivateElement(i + m_offset);
     }
 
