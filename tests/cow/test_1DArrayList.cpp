@@ -6,6 +6,7 @@
 
 #include "cow/cow_1DArrayList.h"
 #include "mem/mem_Memory.h"
+#include "zul_TestSupport.h"
 
 namespace {
 
@@ -191,32 +192,15 @@ TEST(Cow1DArrayList, FailedWritesOnASharedListChangeNothing)
     IntList original;
     for (int i = 0; i < 70; ++i)
         original.Append(i);
-    const std::vector<int> before = Items(original);
 
-    const std::vector<std::pair<const char*, void (*)(IntList&)>> writes = {
+    const std::vector<zul_test::Write<IntList>> writes = {
         {"Insert", [](IntList& l) { l.Insert(3, 99); }},
         {"Remove", [](IntList& l) { l.Remove(5); }},
         {"Append", [](IntList& l) { l.Append(99); }},
         {"AppendList", [](IntList& l) { IntList more = l; l.Append(more); }},
         {"Get", [](IntList& l) { l.Get(33) = 99; }},
     };
-    for (const auto& write : writes) {
-        bool succeeded = false;
-        for (long n = 1; !succeeded && n < 200; ++n) {
-            IntList sharer(original);
-            mem_TestFailAllocation(n);
-            try {
-                write.second(sharer);
-                succeeded = true;
-            } catch (...) {
-                mem_TestFailAllocation(0);
-                EXPECT_EQ(Items(sharer), before) << write.first << " failing at allocation " << n;
-            }
-            mem_TestFailAllocation(0);
-            EXPECT_EQ(Items(original), before) << write.first << " failing at allocation " << n;
-        }
-        EXPECT_TRUE(succeeded) << write.first;
-    }
+    zul_test::ExpectFailedWritesChangeNothing(original, Items, writes);
 }
 
 TEST(Cow1DArrayList, StringElementsResetToEmptyOnRemove)

@@ -6,6 +6,7 @@
 
 #include "cow/cow_List.h"
 #include "mem/mem_Memory.h"
+#include "zul_TestSupport.h"
 
 namespace {
 
@@ -154,32 +155,15 @@ TEST(CowList, FailedWritesOnASharedListChangeNothing)
     for (int i = 50; i > 0; --i)  // descending, so that a sort changes it
         original.Append(i);
     original.RemoveFirst();
-    const std::vector<int> before = Items(original);
 
-    const std::vector<std::pair<const char*, void (*)(IntList&)>> writes = {
+    const std::vector<zul_test::Write<IntList>> writes = {
         {"Prepend", [](IntList& l) { l.Prepend(-1); }},
         {"RemoveFirst", [](IntList& l) { l.RemoveFirst(); }},
         {"InsertAfter", [](IntList& l) { l.InsertAfter(10, -1); }},
         {"RemoveIndex", [](IntList& l) { l.RemoveIndex(20); }},
         {"Sort", [](IntList& l) { l.Sort(); }},
     };
-    for (const auto& write : writes) {
-        bool succeeded = false;
-        for (long n = 1; !succeeded && n < 300; ++n) {
-            IntList sharer(original);
-            mem_TestFailAllocation(n);
-            try {
-                write.second(sharer);
-                succeeded = true;
-            } catch (...) {
-                mem_TestFailAllocation(0);
-                EXPECT_EQ(Items(sharer), before) << write.first << " failing at allocation " << n;
-            }
-            mem_TestFailAllocation(0);
-            EXPECT_EQ(Items(original), before) << write.first << " failing at allocation " << n;
-        }
-        EXPECT_TRUE(succeeded) << write.first;
-    }
+    zul_test::ExpectFailedWritesChangeNothing(original, Items, writes);
 }
 
 TEST(CowList, PrependOnAnExclusiveListSurvivesAllocationFailure)

@@ -3,6 +3,12 @@
 #define ZUL_TESTSUPPORT_H
 
 #include <string>
+#include <utility>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "mem/mem_Memory.h"
 
 namespace zul_test {
 
@@ -26,6 +32,36 @@ private:
 std::string ReadFileBytes(const std::string& path);
 // Writes bytes to a file, replacing it; throws std::runtime_error on failure.
 void WriteFileBytes(const std::string& path, const std::string& bytes);
+
+// A named write to a container, for the failure sweeps below.
+template <class C>
+using Write = std::pair<const char*, void (*)(C&)>;
+
+// For each write: runs it on a fresh copy sharing `original`'s storage, making the 1st, 2nd, ...
+// allocation fail until the write goes through. After every failure both the copy and the
+// original must still read as before (`contents` turns a container into something comparable).
+template <class C, class Contents>
+void ExpectFailedWritesChangeNothing(const C& original, Contents contents, const std::vector<Write<C>>& writes)
+{
+    const auto before = contents(original);
+    for (const Write<C>& write : writes) {
+        bool succeeded = false;
+        for (long n = 1; !succeeded && n < 1000; ++n) {
+            C sharer(original);
+            mem_TestFailAllocation(n);
+            try {
+                write.second(sharer);
+                succeeded = true;
+            } catch (...) {
+                mem_TestFailAllocation(0);
+                EXPECT_EQ(contents(sharer), before) << write.first << " failing at allocation " << n;
+            }
+            mem_TestFailAllocation(0);
+            EXPECT_EQ(contents(original), before) << write.first << " failing at allocation " << n;
+        }
+        EXPECT_TRUE(succeeded) << write.first << " never succeeded";
+    }
+}
 
 }  // namespace zul_test
 
