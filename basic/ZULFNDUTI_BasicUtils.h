@@ -49,5 +49,6 @@
 #include "cow/cow_List.h"
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"
+#include "utl/utl_FilePathParser.h"
 
 #endif
