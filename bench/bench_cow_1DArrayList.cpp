@@ -8,7 +8,7 @@
 
 #include "cow/cow_1DArrayList.h"
 #include "cow/cow_List.h"
-#include "uti/uti_BasicUtils.h"
+#include "zul_BenchMain.h"
 
 namespace {
 
@@ -186,16 +186,7 @@ BENCHMARK(std_CopyThenWriteOne)->Arg(1000000);
 BENCHMARK(cow_ListPrepend)->Arg(1 << 14);
 BENCHMARK(std_VectorInsertFront)->Arg(1 << 14);
 
-// The library is brought up around the run, as a client would.
 int main(int argc, char** argv)
 {
-    int count = 0;
-    UTI_BasicUtils_initialize(count);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    UTI_BasicUtils_finalize(count);
-    return 0;
+    return zul_BenchMain(argc, argv);
 }

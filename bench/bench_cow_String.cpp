@@ -4,7 +4,7 @@
 #include <string>
 
 #include "cow/cow_String.h"
-#include "uti/uti_BasicUtils.h"
+#include "zul_BenchMain.h"
 
 namespace {
 
@@ -87,13 +87,5 @@ BENCHMARK(std_Append)->Arg(1000);
 
 int main(int argc, char** argv)
 {
-    int count = 0;
-    UTI_BasicUtils_initialize(count);
-    benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
-        return 1;
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    UTI_BasicUtils_finalize(count);
-    return 0;
+    return zul_BenchMain(argc, argv);
 }

@@ -35,3 +35,18 @@ function(zul_library_defaults target)
     set_target_properties(${target} PROPERTIES PREFIX "" IMPORT_PREFIX "")
   endif()
 endfunction()
+
+# One of the two shared libraries: sources and headers of a tree, ZULFNDUTI::<export_name>,
+# include directory for the build and the install, and the define that selects dllexport.
+function(zul_add_library target tree export_name building_define)
+  zul_collect_sources(${tree} sources)
+  zul_collect_headers(${tree} headers)
+  add_library(${target} SHARED ${sources} ${headers})
+  add_library(ZULFNDUTI::${export_name} ALIAS ${target})
+  zul_library_defaults(${target})
+  set_target_properties(${target} PROPERTIES EXPORT_NAME ${export_name})
+  target_compile_definitions(${target} PRIVATE ${building_define})
+  target_include_directories(${target} PUBLIC
+    $<BUILD_INTERFACE:${tree}>
+    $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}/ZULFNDUTI>)
+endfunction()
