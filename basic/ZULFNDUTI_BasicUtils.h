@@ -50,5 +50,6 @@
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"
 #include "utl/utl_FilePathParser.h"
+#include "utl/utl_Stat.h"
 
 #endif
