@@ -7,6 +7,14 @@ cd "$(dirname "$0")/.."
 scripts/deps.sh
 export WINEDEBUG=-all
 
+# One Wine server for the whole run: a test program started while the previous program's server
+# is shutting down can fail to start.
+wineserver=/usr/lib/wine/wineserver
+if [ -x "$wineserver" ]; then
+  "$wineserver" -p
+  trap '"$wineserver" -k 2>/dev/null || true' EXIT
+fi
+
 for preset in linux windows; do
   echo "== $preset: configure and build"
   cmake --preset "$preset" >/dev/null
