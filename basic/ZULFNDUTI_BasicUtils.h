@@ -50,6 +50,7 @@
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"
 #include "utl/utl_DirPathUtils.h"
+#include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_Stat.h"
 

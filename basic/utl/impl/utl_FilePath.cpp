@@ -1,0 +1,337 @@
+#include "utl/utl_FilePath.h"
+
+#include <cstdlib>
+
+#include "utl/impl/utl_FilePathPlatform.h"
+#include "utl/utl_Stat.h"
+
+namespace P = utl_FilePathPlatform;
+
+namespace {
+
+const char kNetworkConnectors[] = "Network connectors";
+
+bool IsLetter(char c)
+{
+    return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z');
+}
+
+bool IsDigit(char c)
+{
+    return c >= '0' && c <= '9';
+}
+
+bool StartsWithDrive(const cow_String& s)
+{
+    return P::kHasDrives && s.Length() >= 2 && IsLetter(s[0]) && s[1] == ':';
+}
+
+bool IsUnc(const cow_String& s)
+{
+    return P::kHasDrives && s.Length() >= 3 && s[0] == '\\' && s[1] == '\\' && s[2] != '\\';
+}
+
+bool IsDriveAbsolute(const cow_String& s)
+{
+    return StartsWithDrive(s) && s.Length() >= 3 && s[2] == '\\';
+}
+
+bool IsAbsoluteName(const cow_String& s)
+{
+    if (!P::kHasDrives)
+        return s.Length() >= 1 && s[0] == '/';
+    if (s.Length() < 3)
+        return false;
+    const bool rooted = s[0] == '\\' && s[1] != '\\' && s[1] != ':';
+    return rooted || IsUnc(s) || IsDriveAbsolute(s);
+}
+
+cow_String WithTrailingSeparator(const cow_String& s)
+{
+    if (s.IsEmpty() || s[s.Length() - 1] == P::kNativeSeparator)
+        return s;
+    cow_String out(s);
+    out += P::kNativeSeparator;
+    return out;
+}
+
+void ReplaceChar(cow_String& s, char from, char to)
+{
+    if (s.Find(from) < 0)
+        return;
+    for (int i = 0; i < s.Length(); ++i)
+        if (s[i] == from)
+            s[i] = to;
+}
+
+// Replaces the reference at [start, end) by the variable's value when it is set.
+bool ReplaceIfSet(cow_String& text, int start, int end, const cow_String& name)
+{
+    const char* value = std::getenv(name.c_str());
+    if (!value)
+        return false;
+    text.Replace(start, end - start, value);
+    return true;
+}
+
+void ExpandWindowsForm(cow_String& text, int& budget)
+{
+    int from = 0;
+    while (budget > 0) {
+        const int open = text.Find("%", from);
+        if (open < 0)
+            return;
+        const int close = text.Find("%", open + 1);
+        if (close < 0)
+            return;  // an unmatched "%" ends the expansion
+        if (ReplaceIfSet(text, open, close + 1, text.Substr(open + 1, close - open - 1))) {
+            --budget;
+            from = 0;
+        } else {
+            from = close + 1;
+        }
+    }
+}
+
+void ExpandUnixForm(cow_String& text, int& budget)
+{
+    int from = 0;
+    while (budget > 0) {
+        const int dollar = text.Find("$", from);
+        if (dollar < 0)
+            return;
+        int end = dollar + 1;
+        if (end < text.Length() && IsLetter(text[end])) {
+            while (end < text.Length() && (IsLetter(text[end]) || IsDigit(text[end])))
+                ++end;
+            if (ReplaceIfSet(text, dollar, end, text.Substr(dollar + 1, end - dollar - 1))) {
+                --budget;
+                from = 0;
+                continue;
+            }
+        }
+        from = end;
+    }
+}
+
+bool StartsWithNetworkConnectors(const cow_String& s)
+{
+    return s.StartsWith(kNetworkConnectors);
+}
+
+}  // namespace
+
+utl_FilePath::utl_FilePath() : m_isUrl(0), m_isNetworkConnector(0) {}
+
+utl_FilePath::utl_FilePath(const cow_String& name, const cow_String& directory) : m_isUrl(0), m_isNetworkConnector(0)
+{
+    SetFilePath(name, directory);
+}
+
+cow_String utl_FilePath::ExpandEnvironment(const cow_String& text)
+{
+    cow_String out(text);
+    int budget = MaxExpansions;
+    ExpandWindowsForm(out, budget);
+    ExpandUnixForm(out, budget);
+    return out;
+}
+
+bool utl_FilePath::LooksLikeUrl(const cow_String& text)
+{
+    const int mark = text.Find("://");
+    if (mark <= 0 || !IsLetter(text[0]))
+        return false;
+    for (int i = 1; i < mark; ++i) {
+        const char c = text[i];
+        if (!IsLetter(c) && !IsDigit(c) && c != '+' && c != '-' && c != '.')
+            return false;
+    }
+    return true;
+}
+
+void utl_FilePath::SetFilePath(const cow_String& nameIn, const cow_String& directoryIn)
+{
+    m_isUrl = m_isNetworkConnector = 0;
+    m_baseDir = m_dirPart = m_baseName = m_extension = cow_String();
+
+    if (LooksLikeUrl(nameIn) || LooksLikeUrl(directoryIn)) {
+        m_isUrl = 1;
+        m_baseName = nameIn;
+        return;
+    }
+    if (StartsWithNetworkConnectors(nameIn) || StartsWithNetworkConnectors(directoryIn)) {
+        m_isNetworkConnector = 1;
+        cow_String rest = nameIn;
+        if (StartsWithNetworkConnectors(rest)) {
+            rest = rest.Substr(static_cast<int>(sizeof(kNetworkConnectors)) - 1);
+            if (rest.StartsWith("/"))
+                rest = rest.Substr(1);
+        }
+        m_baseName = kNetworkConnectors;
+        if (!rest.IsEmpty())
+            m_baseName.append("/").append(rest);
+        return;
+    }
+
+    cow_String name(nameIn), directory(directoryIn);
+    if (P::kNativeSeparator != '/') {
+        ReplaceChar(name, '/', P::kNativeSeparator);
+        ReplaceChar(directory, '/', P::kNativeSeparator);
+    }
+    directory = ExpandEnvironment(directory);
+    name = ExpandEnvironment(name);
+    const char sep = P::kNativeSeparator;
+
+    if (IsAbsoluteName(name)) {
+        m_baseDir = cow_String();
+    } else if (StartsWithDrive(name) && !IsDriveAbsolute(name)) {
+        m_baseDir = P::DriveCurrentDirectory(name[0]);
+        name = name.Substr(2);
+    } else {
+        if (directory.Length() >= 3 && (IsUnc(directory) || IsDriveAbsolute(directory))) {
+            m_baseDir = directory;
+        } else if (!P::kHasDrives && directory.StartsWith("/")) {
+            m_baseDir = directory;
+        } else if (StartsWithDrive(directory)) {
+            m_baseDir = name.StartsWith("\\") ? directory.Substr(0, 2) : P::DriveCurrentDirectory(directory[0]);
+        } else if (P::kHasDrives && directory.StartsWith("\\")) {
+            m_baseDir = P::CurrentDirectory().Substr(0, 2);
+            m_baseDir += directory;
+        } else {
+            m_baseDir = P::CurrentDirectory();
+        }
+        if (P::kHasDrives && name.StartsWith("\\")) {
+            int skip = 0;
+            while (skip < name.Length() && name[skip] == '\\')
+                ++skip;
+            name = skip == name.Length() ? cow_String("\\") : name.Substr(skip);
+        }
+    }
+    m_baseDir = WithTrailingSeparator(m_baseDir);
+
+    // The name's end: a bare drive gets its root; trailing separators go, but a drive root stays.
+    if (P::kHasDrives && name.Length() == 2 && StartsWithDrive(name)) {
+        name += sep;
+    } else if (name.Length() > 1 && name[name.Length() - 1] == sep && !(name.Length() == 3 && IsDriveAbsolute(name))) {
+        int end = name.Length();
+        while (end > 1 && name[end - 1] == sep)
+            --end;
+        name = name.Substr(0, end);
+    }
+
+    const int lastSep = name.rfind(sep);
+    cow_String file = name;
+    if (lastSep >= 0) {
+        m_dirPart = name.Substr(0, lastSep + 1);
+        file = name.Substr(lastSep + 1);
+    }
+    if (file.IsEmpty())
+        file = ".";
+    const int dot = file.rfind(".");
+    if (dot >= 0) {
+        m_baseName = file.Substr(0, dot);
+        m_extension = file.Substr(dot);
+    } else {
+        m_baseName = file;
+    }
+}
+
+cow_String utl_FilePath::PathName() const
+{
+    cow_String path(m_dirPart);
+    path += m_baseName;
+    path += m_extension;
+    return path;
+}
+
+cow_String utl_FilePath::AbsolutePathName() const
+{
+    if (!IsPlainPath())
+        return PathName();
+    cow_String path(m_baseDir);
+    const char sep = P::kNativeSeparator;
+    const bool doubled = !m_baseDir.IsEmpty() && m_baseDir[m_baseDir.Length() - 1] == sep && m_dirPart.Length() > 0 &&
+                         m_dirPart[0] == sep;
+    path += doubled ? m_dirPart.Substr(1) : m_dirPart;
+    path += m_baseName;
+    path += m_extension;
+    return path;
+}
+
+cow_String utl_FilePath::AbsoluteDirectoryPath() const
+{
+    cow_String path(m_baseDir);
+    path += m_dirPart;
+    return path;
+}
+
+cow_String utl_FilePath::FileName() const
+{
+    cow_String name(m_baseName);
+    name += m_extension;
+    return name;
+}
+
+utl_FilePath& utl_FilePath::Portable()
+{
+    if (IsPlainPath() && P::kNativeSeparator != '/') {
+        ReplaceChar(m_baseDir, '\\', '/');
+        ReplaceChar(m_dirPart, '\\', '/');
+        ReplaceChar(m_baseName, '\\', '/');
+    }
+    return *this;
+}
+
+utl_FilePath& utl_FilePath::Native()
+{
+    if (IsPlainPath() && P::kNativeSeparator != '/') {
+        ReplaceChar(m_baseDir, '/', P::kNativeSeparator);
+        ReplaceChar(m_dirPart, '/', P::kNativeSeparator);
+        ReplaceChar(m_baseName, '/', P::kNativeSeparator);
+    }
+    return *this;
+}
+
+namespace {
+
+// A status that cannot be read (a missing directory on the way, no access) reads as absent.
+bool StatAnswer(const cow_String& path, bool wantDirectory)
+{
+    try {
+        const utl_Stat st(path);
+        return wantDirectory ? st.IsDirectory() : st.Found();
+    } catch (const nex_SystemErrorException&) {
+        return false;
+    }
+}
+
+}  // namespace
+
+bool utl_FilePath::Exists() const
+{
+    return IsPlainPath() && StatAnswer(AbsolutePathName(), false);
+}
+
+bool utl_FilePath::IsDir() const
+{
+    return IsPlainPath() && StatAnswer(AbsolutePathName(), true);
+}
+
+bool utl_FilePath::IsReadable() const
+{
+    return IsPlainPath() && P::CanRead(AbsolutePathName());
+}
+
+bool utl_FilePath::IsWriteable() const
+{
+    if (!IsPlainPath())
+        return false;
+    const cow_String path = AbsolutePathName();
+    return Exists() ? P::CanWrite(path) : P::CanCreate(path);
+}
+
+bool utl_FilePath::IsExecutable() const
+{
+    return IsPlainPath() && P::IsExecutable(AbsolutePathName(), m_extension);
+}
