@@ -39,6 +39,7 @@
 #include "typ/typ_Initialize.h"
 #include "typ/typ_Module.h"
 #include "uti/uti_BasicUtils.h"
+#include "uti/uti_FileUtils.h"
 #include "uti/uti_Initialize.h"
 #include "utl/utl_Initialize.h"
 #include "cow/cow_1DArray.h"

@@ -1,0 +1,103 @@
+#include "uti/uti_FileUtils.h"
+
+#include "atr/atr_translate.h"
+#include "utl/utl_FilePath.h"
+
+namespace {
+
+const char* const kTexts[] = {
+    nullptr,
+    "Empty filename",
+    "%s: Invalid filename",
+    "%s: Is a directory",
+    "%s: File not found",
+    "%s: Directory not found",
+    "%s: Permission denied",
+    "%s: Permission denied",
+    "%s: Directory permission denied",
+};
+
+[[noreturn]] void Fail(int reason, const cow_String& path)
+{
+    uti_PreCheckFileException failure(reason, path);
+    failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+}
+
+utl_FilePath PortablePath(const cow_String& name)
+{
+    utl_FilePath path(name, cow_String());
+    path.Portable();
+    return path;
+}
+
+bool HasInvalidCharacter(const cow_String& fileName)
+{
+    for (const char* p = fileName.c_str(); *p; ++p)
+        for (const char* bad = "/\\:*?\"<>|"; *bad; ++bad)
+            if (*p == *bad)
+                return true;
+    return false;
+}
+
+}  // namespace
+
+uti_PreCheckFileException::uti_PreCheckFileException(int reason, const cow_String& path)
+    : nex_TextException(TextFor(reason, path)), m_Reason(reason)
+{
+}
+
+atr_String uti_PreCheckFileException::TextFor(int reason, const cow_String& path)
+{
+    if (reason < 1 || reason > 8)
+        return atr_String("Unknown file precheck error");
+    return atr_translate(kTexts[reason]).Arg(path).Result();
+}
+
+cow_String uti_PreCheckFile(const cow_String& name, uti_AccessModeEnm mode, const cow_String& defaultExtension)
+{
+    if (name.IsEmpty())
+        Fail(uti_PreCheckFileException::EmptyName, name);
+
+    utl_FilePath file = PortablePath(name);
+    const cow_String directory = file.AbsoluteDirectoryPath();
+    if (file.IsDir())
+        Fail(uti_PreCheckFileException::IsDirectory, file.AbsolutePathName());
+    if (file.Extension().IsEmpty()) {
+        cow_String withExtension(directory);
+        withExtension += file.FileName();
+        withExtension += defaultExtension;
+        file = PortablePath(withExtension);
+    }
+    if (!PortablePath(directory).IsDir())
+        Fail(uti_PreCheckFileException::DirectoryNotFound, directory);
+
+    const cow_String path = file.AbsolutePathName();
+    const bool exists = file.Exists();
+    switch (mode) {
+    case uti_ReadMode:
+        if (!exists)
+            Fail(uti_PreCheckFileException::FileNotFound, path);
+        if (!file.IsReadable())
+            Fail(uti_PreCheckFileException::NotReadable, path);
+        break;
+    case uti_ReadWriteMode:
+        if (!exists)
+            Fail(uti_PreCheckFileException::FileNotFound, path);
+        if (!file.IsWriteable())
+            Fail(uti_PreCheckFileException::NotWriteable, path);
+        if (!file.IsReadable())
+            Fail(uti_PreCheckFileException::NotReadable, path);
+        break;
+    case uti_WriteMode:
+        if (!exists) {
+            if (HasInvalidCharacter(file.FileName()))
+                Fail(uti_PreCheckFileException::InvalidName, path);
+            if (!file.IsWriteable())
+                Fail(uti_PreCheckFileException::DirectoryNotWriteable, directory);
+        } else if (!file.IsWriteable()) {
+            Fail(uti_PreCheckFileException::NotWriteable, path);
+        }
+        break;
+    }
+    return path;
+}

@@ -1,0 +1,49 @@
+// Checking, before use, that a file named by a user can be opened the way the caller intends.
+//
+// uti_PreCheckFile answers the file's absolute path name in portable form, or raises
+// uti_PreCheckFileException naming the first problem found with a reason code:
+//   1 "Empty filename"                 5 "<path>: Directory not found"
+//   2 "<path>: Invalid filename"       6 "<path>: Permission denied" (not readable)
+//   3 "<path>: Is a directory"         7 "<path>: Permission denied" (not writeable)
+//   4 "<path>: File not found"         8 "<directory>: Directory permission denied"
+// A name without an extension gets defaultExtension.
+#ifndef UTI_FILEUTILS_H
+#define UTI_FILEUTILS_H
+
+#include "cow/cow_String.h"
+#include "nex/nex_Exception.h"
+#include "zul_BasicExport.h"
+
+enum uti_AccessModeEnm {
+    uti_ReadMode = 0,       // must exist and be readable
+    uti_WriteMode = 1,      // new: valid name in a writeable directory; existing: writeable
+    uti_ReadWriteMode = 2,  // must exist, be writeable and readable
+};
+
+class ZUL_BASIC_API uti_PreCheckFileException : public nex_TextException {
+    NEX_EXCEPTION_CLASS(uti_PreCheckFileException, 0x20101u)
+public:
+    enum Reason {
+        EmptyName = 1,
+        InvalidName = 2,
+        IsDirectory = 3,
+        FileNotFound = 4,
+        DirectoryNotFound = 5,
+        NotReadable = 6,
+        NotWriteable = 7,
+        DirectoryNotWriteable = 8,
+    };
+    // The text is made from the reason and the path.
+    uti_PreCheckFileException(int reason, const cow_String& path);
+    int GetReason() const { return m_Reason; }
+
+    static atr_String TextFor(int reason, const cow_String& path);
+
+protected:
+    int m_Reason;
+};
+
+ZUL_BASIC_API cow_String uti_PreCheckFile(const cow_String& name, uti_AccessModeEnm mode,
+                                          const cow_String& defaultExtension);
+
+#endif
