@@ -50,6 +50,7 @@
 #include "cow/cow_List.h"
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"
+#include "utl/utl_BinStream.h"
 #include "utl/utl_DirPathUtils.h"
 #include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"

@@ -1,0 +1,167 @@
+// The binary record format, byte for byte, and the stream failures.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <fcntl.h>
+#include <string>
+
+#if defined(_WIN32)
+#include <io.h>
+#define ZUL_OPEN _open
+#define ZUL_CLOSE _close
+#define ZUL_O_BINARY _O_BINARY
+#else
+#include <unistd.h>
+#define ZUL_OPEN open
+#define ZUL_CLOSE close
+#define ZUL_O_BINARY 0
+#endif
+
+#include "utl/utl_BinStream.h"
+#include "zul_TestSupport.h"
+
+namespace {
+
+// A descriptor on a fresh file in a temporary directory, closed at the end.
+class Descriptor {
+public:
+    Descriptor(const std::string& path, int flags) : m_fd(ZUL_OPEN(path.c_str(), flags | ZUL_O_BINARY, 0600)) {}
+    ~Descriptor()
+    {
+        if (m_fd >= 0)
+            ZUL_CLOSE(m_fd);
+    }
+    int fd() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
+std::string Bytes(std::initializer_list<int> values)
+{
+    std::string out;
+    for (int v : values)
+        out.push_back(static_cast<char>(v));
+    return out;
+}
+
+TEST(UtlBinStream, ScalarsAndStringsAreLittleEndianWithoutPadding)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("out.bin");
+    {
+        Descriptor out(path, O_WRONLY | O_CREAT | O_TRUNC);
+        ASSERT_GE(out.fd(), 0);
+        utl_BinOStream s(out.fd(), omi_Swapper::Big);  // the byte order argument is ignored
+        s.WriteInt(1);
+        s.WriteShort(-2);
+        s.WriteString("abc");
+        s.WriteString(cow_String());
+        s.WriteUchar(0xAB);
+        s.WriteInt64(-2);
+    }
+    const std::string expected = Bytes({1, 0, 0, 0, 0xFE, 0xFF, 3, 0, 0, 0, 'a', 'b', 'c', 0, 0, 0, 0, 0xAB,
+                                        0xFE, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF, 0xFF});
+    EXPECT_EQ(zul_test::ReadFileBytes(path), expected);
+}
+
+TEST(UtlBinStream, RoundTripOfEveryKind)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("round.bin");
+    const double reals[3] = {1.5, -0.25, 1e300};
+    const int ints[2] = {-7, 123456789};
+    {
+        Descriptor out(path, O_WRONLY | O_CREAT | O_TRUNC);
+        utl_BinOStream s(out.fd(), omi_Swapper::Native);
+        s.WriteSchar(-5);
+        s.WriteUShort(65535);
+        s.WriteUInt(4000000000u);
+        s.WriteUInt64(0xFFFFFFFFFFFFFFFFull);
+        s.WriteDoubleArray(reals, 3);
+        s.WriteDoubleArray(reals, 0);
+        s.WriteDoubleArray(reals, -5);
+        s.WriteIntArray(ints, 2);
+        s.WriteString("tail");
+    }
+    Descriptor in(path, O_RDONLY);
+    utl_BinIStream s(in.fd(), omi_Swapper::Little);
+    EXPECT_EQ(s.ReadSchar(), -5);
+    EXPECT_EQ(s.ReadUShort(), 65535);
+    EXPECT_EQ(s.ReadUInt(), 4000000000u);
+    EXPECT_EQ(s.ReadUInt64(), 0xFFFFFFFFFFFFFFFFull);
+    double back[3] = {0, 0, 0};
+    s.ReadDoubleArray(back, 3);
+    EXPECT_EQ(std::memcmp(back, reals, sizeof(reals)), 0);
+    s.ReadDoubleArray(back, 0);
+    int intsBack[2];
+    s.ReadIntArray(intsBack, 2);
+    EXPECT_EQ(intsBack[1], 123456789);
+    EXPECT_EQ(s.ReadString(), "tail");
+}
+
+TEST(UtlBinStream, EndOfFileIsNotAReadError)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("short.bin");
+    zul_test::WriteFileBytes(path, Bytes({1, 2}));
+    Descriptor in(path, O_RDONLY);
+    utl_BinIStream s(in.fd(), omi_Swapper::Native);
+    bool caughtAsReadError = false;
+    try {
+        try {
+            s.ReadInt();
+        } catch (const utl_BinStreamReadError&) {
+            caughtAsReadError = true;
+        }
+    } catch (const utl_BinStreamException& e) {
+        EXPECT_EQ(e.DynTypeId(), utl_BinStreamEOF::TypeId());
+        EXPECT_EQ(e.UserReport(), "*** ERROR: End of file on binary stream.");
+        EXPECT_EQ(e.File(), "utl/impl/utl_BinStream");
+    }
+    EXPECT_FALSE(caughtAsReadError);
+}
+
+TEST(UtlBinStream, EmptyAndNegativeStringLengths)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("lengths.bin");
+    zul_test::WriteFileBytes(path, Bytes({0, 0, 0, 0, 0xFF, 0xFF, 0xFF, 0xFF, 'x'}));
+    Descriptor in(path, O_RDONLY);
+    utl_BinIStream s(in.fd(), omi_Swapper::Native);
+    EXPECT_EQ(s.ReadString().Length(), 0);
+    EXPECT_THROW(s.ReadString(), utl_BinStreamBadLength);
+}
+
+TEST(UtlBinStream, StringLongerThanTheDataEndsInEndOfFile)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("trunc.bin");
+    zul_test::WriteFileBytes(path, Bytes({10, 0, 0, 0, 'a', 'b'}));
+    Descriptor in(path, O_RDONLY);
+    utl_BinIStream s(in.fd(), omi_Swapper::Native);
+    EXPECT_THROW(s.ReadString(), utl_BinStreamEOF);
+}
+
+TEST(UtlBinStream, SystemFailuresAndPropagationKeepTheClass)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("ro.bin");
+    zul_test::WriteFileBytes(path, "data");
+    Descriptor readOnly(path, O_RDONLY);
+    utl_BinOStream writer(readOnly.fd(), omi_Swapper::Native);
+    try {
+        writer.WriteInt(1);
+        FAIL() << "writing to a read-only descriptor succeeded";
+    } catch (const utl_BinStreamException& e) {
+        EXPECT_EQ(e.DynTypeId(), utl_BinStreamWriteError::TypeId());
+        EXPECT_GT(e.UserReport().Length(), 0);
+        EXPECT_THROW(e.Propagate(), utl_BinStreamWriteError);
+    }
+
+    Descriptor writeOnly(dir.File("wo.bin"), O_WRONLY | O_CREAT);
+    utl_BinIStream reader(writeOnly.fd(), omi_Swapper::Native);
+    EXPECT_THROW(reader.ReadInt(), utl_BinStreamReadError);
+}
+
+}  // namespace
