@@ -52,6 +52,8 @@
 #include "cow/cow_SystemErrorCode.h"
 #include "utl/utl_BinStream.h"
 #include "utl/utl_DirPathUtils.h"
+#include "utl/utl_File.h"
+#include "utl/utl_FileOffset.h"
 #include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_Stat.h"

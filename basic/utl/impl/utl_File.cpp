@@ -1,0 +1,224 @@
+#include "utl/utl_File.h"
+
+#include <exception>
+
+#include "atr/atr_translate.h"
+#include "cow/cow_SystemErrorCode.h"
+#include "utl/impl/utl_FileSystem.h"
+
+namespace FS = utl_FileSystem;
+
+namespace {
+
+const char kOpenText[] = "*** Error: File open failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kNoFileText[] = "*** Error: No such file (utl_File: %1$s)\nfile name: %2$s";
+const char kCloseText[] = "***ERROR: File close failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kSeekText[] = "*** Error: Seek failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kLocationText[] = "*** Error: Get file location failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kFlushReadOnlyText[] = "*** Error: Flush failed (utl_File: %1$s)\nfile name: %2$s";
+const char kFlushText[] = "*** Error: Flush failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kReadText[] = "*** Error: Read failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kWriteReadOnlyText[] = "*** Error: Write failed (utl_File: %1$s)\nfile name: %2$s";
+const char kWriteText[] = "*** Error: Write failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kFullText[] = "*** Error: Free disk space depleted\nfile name: %2$s";
+const char kSizeText[] = "*** Error: Get file size failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+const char kExtendText[] = "*** Error: Extend failed (utl_File: %1$s)\nerror: %2$s\nfile: %3$s";
+
+atr_String WithError(const char* format, const char* step, uint32_t error, const cow_String& name)
+{
+    return atr_translate(format).Arg(step).Arg(cow_SystemErrorCode(error).GetText()).Arg(name).Result();
+}
+
+atr_String WithName(const char* format, const char* step, const cow_String& name)
+{
+    return atr_translate(format).Arg(step).Arg(name).Result();
+}
+
+template <class E>
+[[noreturn]] void Raise(const atr_String& text, int line)
+{
+    E failure(text);
+    failure.Throw(ZUL_SOURCE_NAME, line);
+}
+
+FS::Share ShareFor(utl_FileAccess access, utl_FileSharing sharing)
+{
+    if (sharing == utl_FileShareRead)
+        return FS::ShareRead;
+    if (sharing == utl_FileShareReadWrite)
+        return FS::ShareReadWrite;
+    return access == utl_FileAccessRead ? FS::ShareReadWrite : FS::ShareRead;
+}
+
+}  // namespace
+
+utl_File::utl_File()
+    : m_opened(0), m_handle(-1), m_access(utl_FileAccessRead), m_sharing(utl_FileShareReadWrite)
+{
+}
+
+utl_File::utl_File(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing)
+    : m_opened(0), m_handle(-1), m_name(name), m_access(access), m_sharing(sharing)
+{
+}
+
+utl_File::~utl_File() noexcept(false)
+{
+    if (!m_opened)
+        return;
+    m_opened = 0;
+    uint32_t error = 0;
+    if (!FS::Close(m_handle, error) && std::uncaught_exceptions() == 0)
+        Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
+}
+
+void utl_File::Open(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing)
+{
+    m_name = name;
+    m_access = access;
+    m_sharing = sharing;
+    Init();
+}
+
+void utl_File::Init()
+{
+    if (m_opened)
+        return;
+    switch (m_access) {
+    case utl_FileAccessRead:
+        m_handle = OpenRead(m_name);
+        break;
+    case utl_FileAccessUpdate:
+        m_handle = OpenUpdate(m_name);
+        break;
+    case utl_FileAccessWrite:
+        m_handle = OpenWrite(m_name);
+        break;
+    }
+    m_opened = 1;
+}
+
+intptr_t utl_File::OpenRead(const cow_String& name)
+{
+    return OpenWith(name, utl_FileAccessRead, "CreateFile in OpenRead", "in OpenRead");
+}
+
+intptr_t utl_File::OpenUpdate(const cow_String& name)
+{
+    return OpenWith(name, utl_FileAccessUpdate, "CreateFile in OpenUpdate", "in OpenUpdate");
+}
+
+intptr_t utl_File::OpenWrite(const cow_String& name)
+{
+    return OpenWith(name, utl_FileAccessWrite, "CreateFile in OpenWrite", nullptr);
+}
+
+intptr_t utl_File::OpenWith(const cow_String& name, int access, const char* step, const char* missingStep)
+{
+    intptr_t handle = -1;
+    uint32_t error = 0;
+    if (FS::Open(name, access, ShareFor(m_access, m_sharing), handle, error))
+        return handle;
+    if (missingStep && FS::IsNoSuchFile(error, name))
+        Raise<utl_FileExceptionNoFile>(WithName(kNoFileText, missingStep, name), __LINE__);
+    Raise<utl_FileExceptionOpen>(WithError(kOpenText, step, error, name), __LINE__);
+}
+
+void utl_File::Seek(const utl_FileOffset& position)
+{
+    Init();
+    uint32_t error = 0;
+    if (!FS::SetPosition(m_handle, position.Value(), error))
+        Raise<utl_FileExceptionSeek>(WithError(kSeekText, "SetFilePointer", error, m_name), __LINE__);
+}
+
+utl_FileOffset utl_File::Location()
+{
+    Init();
+    int64_t position = 0;
+    uint32_t error = 0;
+    if (!FS::GetPosition(m_handle, position, error))
+        Raise<utl_FileExceptionLocation>(WithError(kLocationText, "SetFilePointer", error, m_name), __LINE__);
+    return utl_FileOffset(position);
+}
+
+int utl_File::Read(char* buffer, int count)
+{
+    Init();
+    int done = 0;
+    uint32_t error = 0;
+    if (count > 0 && !FS::Read(m_handle, buffer, count, done, error))
+        Raise<utl_FileExceptionRead>(WithError(kReadText, "ReadFile", error, m_name), __LINE__);
+    return done;
+}
+
+void utl_File::RejectReadOnly(bool flush)
+{
+    if (m_access != utl_FileAccessRead)
+        return;
+    if (flush)
+        Raise<utl_FileExceptionFlush>(WithName(kFlushReadOnlyText, "attempt to flush a read-only file.", m_name), __LINE__);
+    Raise<utl_FileExceptionWrite>(WithName(kWriteReadOnlyText, "attempt to write to a read-only file.", m_name), __LINE__);
+}
+
+int utl_File::WriteShortAllowed(const char* buffer, int count)
+{
+    Init();
+    RejectReadOnly(false);
+    int done = 0;
+    uint32_t error = 0;
+    if (count > 0 && !FS::Write(m_handle, buffer, count, done, error))
+        Raise<utl_FileExceptionWrite>(WithError(kWriteText, "WriteFile", error, m_name), __LINE__);
+    return done;
+}
+
+int utl_File::Write(const char* buffer, int count)
+{
+    const int done = WriteShortAllowed(buffer, count);
+    if (count > 0 && done < count)
+        Raise<utl_FileExceptionFull>(WithName(kFullText, "WriteFile", m_name), __LINE__);
+    return done;
+}
+
+void utl_File::Flush()
+{
+    Init();
+    RejectReadOnly(true);
+    uint32_t error = 0;
+    if (!FS::Flush(m_handle, error))
+        Raise<utl_FileExceptionFlush>(WithError(kFlushText, "FlushFileBuffers", error, m_name), __LINE__);
+}
+
+utl_FileOffset utl_File::FileSize()
+{
+    Init();
+    int64_t size = 0;
+    uint32_t error = 0;
+    if (!FS::Size(m_handle, size, error))
+        Raise<utl_FileExceptionSize>(WithError(kSizeText, "GetFileSize", error, m_name), __LINE__);
+    return utl_FileOffset(size);
+}
+
+void utl_File::Extend(const utl_FileOffset& size)
+{
+    Init();
+    if (m_access == utl_FileAccessRead)
+        Raise<nex_TextException>(atr_String("utl_File::Extend - attempt to extend a read-only file."), __LINE__);
+    uint32_t error = 0;
+    auto check = [&](bool ok, const char* step) {
+        if (!ok)
+            Raise<utl_FileExceptionExtend>(WithError(kExtendText, step, error, m_name), __LINE__);
+    };
+    int64_t remembered = 0;
+    check(FS::GetPosition(m_handle, remembered, error), "SetFilePointer 1");
+    check(FS::SetPosition(m_handle, size.Value(), error), "SetFilePointer 2");
+    check(FS::SetEnd(m_handle, error), "SetEndOfFile");
+    const int64_t tail = static_cast<int64_t>(static_cast<double>(size.Value()) - 4.0);
+    char bytes[4] = {0, 0, 0, 0};
+    int done = 0;
+    check(FS::SetPosition(m_handle, tail, error), "SetFilePointer 3");
+    check(FS::Read(m_handle, bytes, 4, done, error), "ReadFile");
+    check(FS::SetPosition(m_handle, tail, error), "SetFilePointer 4");
+    check(FS::Write(m_handle, bytes, done, done, error), "WriteFile");
+    check(FS::SetPosition(m_handle, remembered, error), "SetFilePointer 5");
+}

@@ -1,0 +1,147 @@
+// utl_File: the library's raw, unbuffered handle on one operating-system file.
+//
+// The file opens lazily, at its first operation (or Open), in one of three access modes, and is
+// positioned by 64-bit offsets. Every failure raises an exception of its own class whose text
+// names the failing step, the system's error text and the file; the object stays usable after a
+// failure (a failed open is tried again by the next operation). The handle closes at
+// destruction; a failed close raises utl_FileExceptionClose from the destructor, except while
+// another exception is already propagating (a second exception would end the program).
+//
+// Sharing modes follow the table of utl_FileSharing on Windows; POSIX systems have no mandatory
+// sharing control, so there they are advisory and grant everything.
+#ifndef UTL_FILE_H
+#define UTL_FILE_H
+
+#include <cstdint>
+
+#include "cow/cow_String.h"
+#include "nex/nex_Exception.h"
+#include "utl/utl_FileOffset.h"
+#include "zul_BasicExport.h"
+
+enum utl_FileAccess {
+    utl_FileAccessRead = 0,    // read; the file must exist
+    utl_FileAccessUpdate = 1,  // read and write; the file must exist
+    utl_FileAccessWrite = 2,   // read and write; always created anew
+};
+
+// Sharing granted to other openers. The default differs by access mode: with read access
+// others may read and write, with update or write access others may only read.
+enum utl_FileSharing {
+    utl_FileShareDefault = 0,
+    utl_FileShareRead = 1,
+    utl_FileShareReadWrite = 2,
+};
+
+class ZUL_BASIC_API utl_FileExceptionOpen : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionOpen, 0x30301u)
+public:
+    explicit utl_FileExceptionOpen(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionNoFile : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionNoFile, 0x30302u)
+public:
+    explicit utl_FileExceptionNoFile(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionClose : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionClose, 0x30303u)
+public:
+    explicit utl_FileExceptionClose(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionSeek : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionSeek, 0x30304u)
+public:
+    explicit utl_FileExceptionSeek(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionLocation : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionLocation, 0x30305u)
+public:
+    explicit utl_FileExceptionLocation(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionFlush : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionFlush, 0x30306u)
+public:
+    explicit utl_FileExceptionFlush(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionRead : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionRead, 0x30307u)
+public:
+    explicit utl_FileExceptionRead(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionWrite : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionWrite, 0x30308u)
+public:
+    explicit utl_FileExceptionWrite(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionFull : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionFull, 0x30309u)
+public:
+    explicit utl_FileExceptionFull(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionSize : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionSize, 0x3030Au)
+public:
+    explicit utl_FileExceptionSize(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_FileExceptionExtend : public nex_TextException {
+    NEX_EXCEPTION_CLASS(utl_FileExceptionExtend, 0x3030Bu)
+public:
+    explicit utl_FileExceptionExtend(const atr_String& text) : nex_TextException(text) {}
+};
+
+class ZUL_BASIC_API utl_File {
+public:
+    utl_File();
+    utl_File(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing = utl_FileShareDefault);
+    ~utl_File() noexcept(false);
+    utl_File(const utl_File&) = delete;
+    utl_File& operator=(const utl_File&) = delete;
+
+    // Replaces name and modes, then Init (an already open handle stays).
+    void Open(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing = utl_FileShareDefault);
+    // Opens the file if it is not open yet.
+    void Init();
+
+    void Seek(const utl_FileOffset& position);
+    utl_FileOffset Location();
+    // Bytes read: 0 at the end of the file; a short read is no error.
+    int Read(char* buffer, int count);
+    // Bytes written; fewer than asked raises utl_FileExceptionFull.
+    int Write(const char* buffer, int count);
+    // As Write, but a short write is returned rather than raised.
+    int WriteShortAllowed(const char* buffer, int count);
+    void Flush();
+    utl_FileOffset FileSize();
+    // Makes the file `size` bytes long and forces its last block to be allocated; the position
+    // is left where it was.
+    void Extend(const utl_FileOffset& size);
+
+    const cow_String& Name() const { return m_name; }
+    utl_FileAccess Access() const { return m_access; }
+    bool IsOpen() const { return m_opened != 0; }
+
+private:
+    intptr_t OpenRead(const cow_String& name);
+    intptr_t OpenUpdate(const cow_String& name);
+    intptr_t OpenWrite(const cow_String& name);
+    intptr_t OpenWith(const cow_String& name, int access, const char* step, const char* missingStep);
+    void RejectReadOnly(bool flush);
+
+    int32_t m_opened;
+    intptr_t m_handle;
+    cow_String m_name;
+    utl_FileAccess m_access;
+    utl_FileSharing m_sharing;
+};
+
+#endif
