@@ -56,6 +56,7 @@
 #include "utl/utl_DirPathUtils.h"
 #include "utl/utl_File.h"
 #include "utl/utl_FileOffset.h"
+#include "utl/utl_MultisectionFile.h"
 #include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_Stat.h"
