@@ -190,3 +190,31 @@ TEST(UtlMultisectionFile, SaveLeavesNoTemporaryFile)
 }
 
 }  // namespace
+
+namespace {
+
+// The sixteen-byte folding must agree with the byte-at-a-time definition at every length and
+// alignment.
+TEST(UtlMultisectionCrc, FoldingMatchesTheBytewiseDefinition)
+{
+    auto bytewise = [](const unsigned char* p, size_t n) {
+        uint32_t crc = 0xFFFFFFFFu;
+        for (size_t i = 0; i < n; ++i) {
+            crc ^= uint32_t(p[i]) << 24;
+            for (int bit = 0; bit < 8; ++bit)
+                crc = (crc & 0x80000000u) ? (crc << 1) ^ 0x04C11DB7u : (crc << 1);
+        }
+        return crc;
+    };
+    std::vector<unsigned char> data(300);
+    uint32_t seed = 12345;
+    for (unsigned char& c : data) {
+        seed = seed * 1103515245u + 12345u;
+        c = static_cast<unsigned char>(seed >> 16);
+    }
+    for (size_t start = 0; start < 8; ++start)
+        for (size_t n = 0; n + start <= data.size(); n += 7)
+            ASSERT_EQ(utl_MultisectionCrc(data.data() + start, n), bytewise(data.data() + start, n)) << start << "/" << n;
+}
+
+}  // namespace
