@@ -1,18 +1,34 @@
 #include "utl/utl_Initialize.h"
 
 #include "typ/typ_Module.h"
+#include "utl/impl/utl_Sockets.h"
 
 namespace {
+
 int g_useCount = 0;
+bool g_socketsUp = false;
+
+// A failed socket start-up leaves the library usable without sockets.
+void StartUp()
+{
+    g_socketsUp = utl_SocketsStartUp() == 0;
+}
+
+void TearDown()
+{
+    if (g_socketsUp)
+        utl_SocketsCleanUp();
+    g_socketsUp = false;
+}
+
 }  // namespace
-// The module keeps no state yet: its start-up and tear-down work come with its classes.
 
 void utl_initialize(int& count)
 {
-    typ_InitializeModule("utl", g_useCount, count, nullptr);
+    typ_InitializeModule("utl", g_useCount, count, &StartUp);
 }
 
 void utl_finalize(int& count)
 {
-    typ_FinalizeModule("utl", g_useCount, count, nullptr);
+    typ_FinalizeModule("utl", g_useCount, count, &TearDown);
 }
