@@ -52,6 +52,7 @@
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"
 #include "utl/utl_BinStream.h"
+#include "utl/utl_Catenator.h"
 #include "utl/utl_DirObject.h"
 #include "utl/utl_DirPathUtils.h"
 #include "utl/utl_File.h"
@@ -60,5 +61,6 @@
 #include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_Stat.h"
+#include "utl/utl_Stream.h"
 
 #endif
