@@ -94,6 +94,37 @@ TEST(UtlMultisectionCrash, KilledSaveIsAlwaysRecoverable)
     EXPECT_GT(sawOld + sawNew, 0);
 }
 
+TEST(UtlMultisectionCrash, ASecondProcessCannotWriteButCanRead)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("shared.msf");
+    WriteAll(path, 'A', utl_FileAccessWrite);
+    int ready[2];
+    ASSERT_EQ(pipe(ready), 0);
+    const pid_t child = fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+        utl_MultisectionFile writer(path.c_str(), utl_FileAccessUpdate);
+        const char go = 1;
+        (void)!write(ready[1], &go, 1);
+        pause();  // holds the lock until killed
+        _exit(0);
+    }
+    char go = 0;
+    ASSERT_EQ(read(ready[0], &go, 1), 1);
+    try {
+        utl_MultisectionFile second(path.c_str(), utl_FileAccessUpdate);
+        ADD_FAILURE() << "a second writer got in";
+    } catch (const nex_TextException& e) {
+        EXPECT_TRUE(e.UserReport().EndsWith("Cannot create the lock file."));
+    }
+    EXPECT_EQ(ContentsOf(path), 'A') << "a reader still reads";
+    kill(child, SIGKILL);
+    waitpid(child, nullptr, 0);
+    close(ready[0]);
+    close(ready[1]);
+}
+
 }  // namespace
 
 #endif
