@@ -8,11 +8,14 @@ scripts/deps.sh
 export WINEDEBUG=-all
 
 # One Wine server for the whole run: a test program started while the previous program's server
-# is shutting down can fail to start.
+# is shutting down can fail to start. Wine's own background services are started here, with
+# their output going nowhere: started by the first test instead, they would inherit its output
+# pipe and keep ctest waiting for it to close.
 wineserver=/usr/lib/wine/wineserver
 if [ -x "$wineserver" ]; then
   "$wineserver" -p
   trap '"$wineserver" -k 2>/dev/null || true' EXIT
+  timeout 300 /usr/lib/wine/wine64 cmd /c exit </dev/null >/dev/null 2>&1 || true
 fi
 
 for preset in linux windows; do
