@@ -50,6 +50,7 @@
 #include "cow/cow_HashTable.h"
 #include "cow/cow_IntrusiveCountedBase.h"
 #include "cow/cow_List.h"
+#include "cow/cow_Map.h"
 #include "cow/cow_LongKey.h"
 #include "cow/cow_String.h"
 #include "cow/cow_SystemErrorCode.h"

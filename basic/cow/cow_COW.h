@@ -100,7 +100,13 @@ public:
         if (Exclusive()) {
             DeleteReferent();
         } else {
-            int32_t* fresh = NewCounter();  // before the shared count changes
+            int32_t* fresh;
+            try {
+                fresh = NewCounter();  // before the shared count changes
+            } catch (...) {
+                cow_Destroy(p);  // the handle was given p: it must not leak
+                throw;
+            }
             --*m_counter;
             m_counter = fresh;
         }
