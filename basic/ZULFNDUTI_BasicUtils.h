@@ -46,6 +46,7 @@
 #include "cow/cow_1DArray.h"
 #include "cow/cow_1DArrayList.h"
 #include "cow/cow_ArraySeq.h"
+#include "cow/cow_Btree.h"
 #include "cow/cow_COW.h"
 #include "cow/cow_HashTable.h"
 #include "cow/cow_IntrusiveCountedBase.h"

@@ -77,8 +77,9 @@ struct cow_Virtual {
 template <class T>
 class cow_CountedHld {
 public:
-    // Adopts the pointer (which may be null); the new count is 1.
-    explicit cow_CountedHld(T* p = nullptr) : m_counter(NewCounter()), m_referent(p) {}
+    // Adopts the pointer (which may be null); the new count is 1. If the count cell cannot be
+    // made, the object is destroyed: a handle given a pointer never leaks it.
+    explicit cow_CountedHld(T* p = nullptr) : m_counter(AdoptingCounter(p)), m_referent(p) {}
 
     cow_CountedHld(const cow_CountedHld& other) : m_counter(other.m_counter), m_referent(other.m_referent)
     {
@@ -138,6 +139,16 @@ protected:
     {
         if (--*m_counter == 0)
             Delete();
+    }
+
+    static int32_t* AdoptingCounter(T* p)
+    {
+        try {
+            return NewCounter();
+        } catch (...) {
+            cow_Destroy(p);
+            throw;
+        }
     }
 
     static int32_t* NewCounter()

@@ -1,0 +1,396 @@
+// cow_Btree<K, V>: the library's ordered associative container.
+//
+// A binary search tree kept balanced by subtree heights with single rotations only, whose nodes
+// are shared between copies through copy-on-write handles; each child link is a handle of its
+// own on the heap, so rotations move handles by swapping pointers. Heights: 0 for a leaf, else
+// the larger of (child height + 1) with a missing child contributing 0. The balance factor is
+// (right height - left height) with a missing child counted as height 0, like a leaf: this
+// asymmetry is deliberate. |factor| >= 2 rotates once; there are no double rotations.
+//
+// Keys order by the sign of their difference for integers (taken in 32 bits: keys farther apart
+// than the integer range may order wrongly, which is accepted), byte-wise unsigned for strings,
+// by < for floats. Reads (ConstFind, iteration) never copy. Writes run on a working copy of the
+// tree that replaces it only when they have succeeded, so a failed write (out of memory) leaves
+// this tree and its sharers unchanged. One thread at a time.
+//
+// Instances used by the library: int keys with int, double, cow_1DArrayList<int>; float keys with
+// int; cow_String keys with int, unsigned int, float, cow_String, cow_1DArray<cow_String>,
+// cow_1DArrayList<int>, cow_Btree<int, int>; atr_String keys with cow_List<atr_String>. The
+// cow_FixedArray<int> instance comes with that type.
+#ifndef COW_BTREE_H
+#define COW_BTREE_H
+
+#include <cstdint>
+#include <utility>
+
+#include "atr/atr_StringBase.h"
+#include "cow/cow_COW.h"
+#include "cow/cow_List.h"
+
+// Where a sought key goes from a node's key: < 0 left, 0 the same entry, > 0 right.
+inline int cow_BtreeCompare(int sought, int key)
+{
+    return static_cast<int32_t>(static_cast<uint32_t>(sought) - static_cast<uint32_t>(key));
+}
+
+inline int cow_BtreeCompare(float sought, float key)
+{
+    return sought < key ? -1 : (key < sought ? 1 : 0);
+}
+
+inline int cow_BtreeCompare(const atr_StringBase& sought, const atr_StringBase& key)
+{
+    return sought.Compare(key);
+}
+
+template <class K, class V>
+class cow_BtreeNode {
+public:
+    typedef cow_COW<cow_BtreeNode, cow_Direct<cow_BtreeNode>> Handle;
+
+    cow_BtreeNode(const K& k, const V& v) : value(v), key(k), left(nullptr), right(nullptr), height(0) {}
+
+    // A copy shares the children: it gets handles of its own on the same nodes.
+    cow_BtreeNode(const cow_BtreeNode& o) : value(o.value), key(o.key), left(nullptr), right(nullptr), height(o.height)
+    {
+        left = o.left ? cow_New<Handle>(*o.left) : nullptr;
+        try {
+            right = o.right ? cow_New<Handle>(*o.right) : nullptr;
+        } catch (...) {
+            cow_Destroy(left);
+            throw;
+        }
+    }
+    cow_BtreeNode& operator=(const cow_BtreeNode&) = delete;
+
+    ~cow_BtreeNode()
+    {
+        cow_Destroy(left);
+        cow_Destroy(right);
+    }
+
+    static int Height(const Handle* h) { return h ? h->ConstGet().height : 0; }
+
+    // A handle of its own holding a new leaf. The handle is made first, so a failure to make the
+    // node leaves nothing behind.
+    static Handle* NewLink(const K& k, const V& v)
+    {
+        Handle* link = cow_New<Handle>();
+        try {
+            *link = cow_New<cow_BtreeNode>(k, v);  // a fresh handle adopts without allocating
+        } catch (...) {
+            cow_Destroy(link);
+            throw;
+        }
+        return link;
+    }
+
+    void UpdateHeight()
+    {
+        if (!left && !right) {
+            height = 0;
+            return;
+        }
+        const int l = left ? Height(left) + 1 : 0;
+        const int r = right ? Height(right) + 1 : 0;
+        height = l > r ? l : r;
+    }
+
+    // Rebalances the node held by `self`; returns the handle that now stands in its place, or
+    // null when nothing moved.
+    static Handle* Balance(Handle* self)
+    {
+        cow_BtreeNode& node = self->Get();
+        const int d = Height(node.right) - Height(node.left);
+        if (d >= 2) {
+            Handle* child = node.right;
+            cow_BtreeNode& c = child->Get();
+            node.right = c.left;
+            c.left = self;
+            node.UpdateHeight();
+            c.UpdateHeight();
+            return child;
+        }
+        if (d <= -2) {
+            Handle* child = node.left;
+            cow_BtreeNode& c = child->Get();
+            node.left = c.right;
+            c.right = self;
+            node.UpdateHeight();
+            c.UpdateHeight();
+            return child;
+        }
+        return nullptr;
+    }
+
+    // Balances the child in `link` and stores a new handle there when one came back.
+    static void BalanceLink(Handle*& link)
+    {
+        if (link)
+            if (Handle* moved = Balance(link))
+                link = moved;
+    }
+
+    bool InsertUnlessMember(const K& k, const V& v)
+    {
+        const int c = cow_BtreeCompare(k, key);
+        if (c == 0)
+            return false;
+        Handle*& link = c < 0 ? left : right;
+        if (link) {
+            if (!link->Get().InsertUnlessMember(k, v))
+                return false;
+            BalanceLink(link);
+        } else {
+            link = NewLink(k, v);
+        }
+        UpdateHeight();
+        return true;
+    }
+
+    const cow_BtreeNode* ConstFind(const K& k) const
+    {
+        const cow_BtreeNode* node = this;
+        while (node) {
+            const int c = cow_BtreeCompare(k, node->key);
+            if (c == 0)
+                return node;
+            const Handle* next = c < 0 ? node->left : node->right;
+            node = next ? &next->ConstGet() : nullptr;
+        }
+        return nullptr;
+    }
+
+    // Removes k from the subtree held by `link` (made private on the way); false when absent.
+    static bool Remove(Handle*& link, const K& k)
+    {
+        if (!link)
+            return false;
+        cow_BtreeNode& node = link->Get();
+        const int c = cow_BtreeCompare(k, node.key);
+        if (c != 0) {
+            Handle*& side = c < 0 ? node.left : node.right;
+            if (!Remove(side, k))
+                return false;
+            BalanceLink(side);
+            node.UpdateHeight();
+            return true;
+        }
+        RemoveNode(link);
+        return true;
+    }
+
+    // Replaces the node held by `link` by its successor (or its only child) and frees the handle.
+    static void RemoveNode(Handle*& link)
+    {
+        cow_BtreeNode& node = link->Get();
+        Handle* replacement;
+        if (!node.right) {
+            replacement = node.left;
+        } else if (!node.left) {
+            replacement = node.right;
+        } else {
+            replacement = TakeLeftmost(node.right);
+            cow_BtreeNode& successor = replacement->Get();
+            successor.left = node.left;
+            successor.right = node.right;
+            BalanceLink(successor.right);
+            successor.UpdateHeight();
+        }
+        node.left = node.right = nullptr;  // moved on: not freed with the node
+        Handle* old = link;
+        link = replacement;
+        cow_Destroy(old);
+    }
+
+private:
+    // Unlinks the leftmost node of the subtree in `link` (its right subtree takes its place) and
+    // returns its handle; heights along the way are recomputed.
+    static Handle* TakeLeftmost(Handle*& link)
+    {
+        cow_BtreeNode& node = link->Get();
+        if (!node.left) {
+            Handle* leftmost = link;
+            link = node.right;
+            node.right = nullptr;
+            return leftmost;
+        }
+        Handle* leftmost = TakeLeftmost(node.left);
+        BalanceLink(node.left);
+        node.UpdateHeight();
+        return leftmost;
+    }
+
+public:
+    V value;
+    K key;
+    Handle* left;
+    Handle* right;
+    int32_t height;
+};
+
+template <class K, class V>
+class cow_Btree {
+public:
+    typedef cow_BtreeNode<K, V> Node;
+    typedef typename Node::Handle Handle;
+
+    cow_Btree() : m_root(nullptr), m_count(0) {}
+    cow_Btree(const cow_Btree& o) : m_root(o.m_root ? cow_New<Handle>(*o.m_root) : nullptr), m_count(o.m_count) {}
+    cow_Btree& operator=(const cow_Btree& o)
+    {
+        cow_Btree copy(o);
+        swap(copy);
+        return *this;
+    }
+    ~cow_Btree() { cow_Destroy(m_root); }
+
+    int Count() const { return m_count; }
+
+    bool InsertUnlessMember(const K& key, const V& value)
+    {
+        if (!m_root) {
+            m_root = Node::NewLink(key, value);
+            m_count = 1;
+            return true;
+        }
+        if (ConstFind(key))
+            return false;
+        cow_Btree work(*this);
+        work.m_root->Get().InsertUnlessMember(key, value);
+        Node::BalanceLink(work.m_root);
+        ++work.m_count;
+        swap(work);
+        return true;
+    }
+
+    bool Remove(const K& key)
+    {
+        if (!ConstFind(key))
+            return false;
+        cow_Btree work(*this);
+        Node::Remove(work.m_root, key);
+        Node::BalanceLink(work.m_root);
+        --work.m_count;
+        swap(work);
+        return true;
+    }
+
+    const Node* ConstFind(const K& key) const { return m_root ? m_root->ConstGet().ConstFind(key) : nullptr; }
+    bool IsMember(const K& key) const { return ConstFind(key) != nullptr; }
+
+    const Handle* Root() const { return m_root; }
+
+    void swap(cow_Btree& o)
+    {
+        std::swap(m_root, o.m_root);
+        std::swap(m_count, o.m_count);
+    }
+
+private:
+    Handle* m_root;
+    int32_t m_count;
+};
+
+// A chain element of the iterator's stack.
+template <class K, class V>
+class cow_BtreeNodeLink {
+public:
+    typedef typename cow_BtreeNode<K, V>::Handle Handle;
+    cow_BtreeNodeLink(const Handle* node, cow_BtreeNodeLink* next) : m_node(node), m_next(next) {}
+    const Handle* Node() const { return m_node; }
+    cow_BtreeNodeLink* Next() const { return m_next; }
+
+private:
+    const Handle* m_node;
+    cow_BtreeNodeLink* m_next;
+};
+
+// In key order over the tree as it was when the iterator was made: First then Next ascends,
+// Last then Previous descends.
+template <class K, class V>
+class cow_BtreeIterator {
+public:
+    typedef cow_BtreeNode<K, V> NodeType;
+    typedef typename NodeType::Handle Handle;
+    typedef cow_BtreeNodeLink<K, V> Link;
+
+    explicit cow_BtreeIterator(const cow_Btree<K, V>& tree) : m_tree(tree), m_top(nullptr) {}
+    ~cow_BtreeIterator() { Clear(); }
+    cow_BtreeIterator(const cow_BtreeIterator&) = delete;
+    cow_BtreeIterator& operator=(const cow_BtreeIterator&) = delete;
+
+    void First()
+    {
+        Clear();
+        PushEdge(m_tree.Root(), true);
+    }
+    void Last()
+    {
+        Clear();
+        PushEdge(m_tree.Root(), false);
+    }
+    void Next() { Step(true); }
+    void Previous() { Step(false); }
+
+    bool NotDone() const { return m_top != nullptr; }
+    const K& Key() const { return m_top->Node()->ConstGet().key; }
+    const V& Value() const { return m_top->Node()->ConstGet().value; }
+
+    void Push(const Handle* node) { m_top = cow_New<Link>(node, m_top); }
+
+private:
+    void Pop()
+    {
+        Link* top = m_top;
+        m_top = top->Next();
+        cow_Destroy(top);
+    }
+    void Clear()
+    {
+        while (m_top)
+            Pop();
+    }
+    // Pushes the path to the smallest (leftmost) or largest key of a subtree.
+    void PushEdge(const Handle* node, bool leftmost)
+    {
+        while (node) {
+            Push(node);
+            node = leftmost ? node->ConstGet().left : node->ConstGet().right;
+        }
+    }
+    void Step(bool forward)
+    {
+        if (!m_top)
+            return;
+        const NodeType& node = m_top->Node()->ConstGet();
+        Pop();
+        PushEdge(forward ? node.right : node.left, forward);
+    }
+
+    cow_Btree<K, V> m_tree;  // keeps the nodes alive
+    Link* m_top;
+};
+
+template <class K, class V>
+struct cow_BtreeUtils {
+    // The keys / values in ascending key order.
+    static cow_List<K> cow_Keys(const cow_Btree<K, V>& tree)
+    {
+        cow_List<K> keys;
+        cow_BtreeIterator<K, V> it(tree);
+        for (it.First(); it.NotDone(); it.Next())
+            keys.Append(it.Key());
+        return keys;
+    }
+    static cow_List<V> cow_Values(const cow_Btree<K, V>& tree)
+    {
+        cow_List<V> values;
+        cow_BtreeIterator<K, V> it(tree);
+        for (it.First(); it.NotDone(); it.Next())
+            values.Append(it.Value());
+        return values;
+    }
+};
+
+#endif
