@@ -8,6 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "cow/cow_Btree.h"
 #include "cow/cow_Map.h"
 #include "zul_BenchMain.h"
 
@@ -170,6 +171,48 @@ void std_StringInsertFind(benchmark::State& state)
     }
 }
 
+void btree_Insert(benchmark::State& state)
+{
+    const std::vector<int> keys = Keys(static_cast<int>(state.range(0)));
+    for (auto _ : state) {
+        cow_Btree<int, int> t;
+        for (int k : keys)
+            t.InsertUnlessMember(k, k);
+        benchmark::DoNotOptimize(t);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void btree_Find(benchmark::State& state)
+{
+    const std::vector<int> keys = Keys(static_cast<int>(state.range(0)));
+    cow_Btree<int, int> t;
+    for (int k : keys)
+        t.InsertUnlessMember(k, k);
+    for (auto _ : state) {
+        long long sum = 0;
+        for (int k : keys)
+            sum += t.ConstFind(k)->value;
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
+void btree_Iterate(benchmark::State& state)
+{
+    cow_Btree<int, int> t;
+    for (int k : Keys(static_cast<int>(state.range(0))))
+        t.InsertUnlessMember(k, k);
+    for (auto _ : state) {
+        long long sum = 0;
+        cow_BtreeIterator<int, int> it(t);
+        for (it.First(); it.NotDone(); it.Next())
+            sum += it.Value();
+        benchmark::DoNotOptimize(sum);
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+
 typedef std::map<int, int> StdMap;
 typedef std::unordered_map<int, int> StdHash;
 
@@ -187,6 +230,9 @@ BENCHMARK_TEMPLATE(std_Iterate, StdHash)->Arg(100000);
 BENCHMARK(cow_CopyThenWriteOne)->Arg(1000000);
 BENCHMARK_TEMPLATE(std_CopyThenWriteOne, StdMap)->Arg(1000000)->Iterations(3);
 BENCHMARK_TEMPLATE(std_CopyThenWriteOne, StdHash)->Arg(1000000)->Iterations(3);
+BENCHMARK(btree_Insert)->Arg(100000);
+BENCHMARK(btree_Find)->Arg(100000);
+BENCHMARK(btree_Iterate)->Arg(100000);
 BENCHMARK(cow_StringInsertFind)->Arg(20000);
 BENCHMARK(std_StringInsertFind)->Arg(20000);
 

@@ -9,9 +9,10 @@
 //
 // Keys order by the sign of their difference for integers (taken in 32 bits: keys farther apart
 // than the integer range may order wrongly, which is accepted), byte-wise unsigned for strings,
-// by < for floats. Reads (ConstFind, iteration) never copy. Writes run on a working copy of the
-// tree that replaces it only when they have succeeded, so a failed write (out of memory) leaves
-// this tree and its sharers unchanged. One thread at a time.
+// by < for floats. Reads (ConstFind, iteration) never copy. A failed write (out of memory) leaves
+// this tree and its sharers unchanged: an insertion allocates everything before its first change,
+// and a removal runs on a working copy that replaces the tree only when it has succeeded.
+// One thread at a time.
 //
 // Instances used by the library: int keys with int, double, cow_1DArrayList<int>; float keys with
 // int; cow_String keys with int, unsigned int, float, cow_String, cow_1DArray<cow_String>,
@@ -254,13 +255,12 @@ public:
             m_count = 1;
             return true;
         }
-        if (ConstFind(key))
+        // Every allocation of an insertion (copying shared nodes on the way down, the new leaf)
+        // comes before the first change, which happens on the way back up: no working copy needed.
+        if (!m_root->Get().InsertUnlessMember(key, value))
             return false;
-        cow_Btree work(*this);
-        work.m_root->Get().InsertUnlessMember(key, value);
-        Node::BalanceLink(work.m_root);
-        ++work.m_count;
-        swap(work);
+        Node::BalanceLink(m_root);
+        ++m_count;
         return true;
     }
 
