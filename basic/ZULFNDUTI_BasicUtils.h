@@ -23,6 +23,7 @@
 // Upper library
 #include "bio/bio_Initialize.h"
 #include "cls/cls_Initialize.h"
+#include "cls/cls_PTrie.h"
 #include "cow/cow_Initialize.h"
 #include "mem/mem_AllocationOperators.h"
 #include "mrm/mrm_Initialize.h"
