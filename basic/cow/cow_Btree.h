@@ -377,19 +377,13 @@ struct cow_BtreeUtils {
     // The keys / values in ascending key order.
     static cow_List<K> cow_Keys(const cow_Btree<K, V>& tree)
     {
-        cow_List<K> keys;
         cow_BtreeIterator<K, V> it(tree);
-        for (it.First(); it.NotDone(); it.Next())
-            keys.Append(it.Key());
-        return keys;
+        return cow_CollectFrom<K>(it, [](const cow_BtreeIterator<K, V>& i) -> const K& { return i.Key(); });
     }
     static cow_List<V> cow_Values(const cow_Btree<K, V>& tree)
     {
-        cow_List<V> values;
         cow_BtreeIterator<K, V> it(tree);
-        for (it.First(); it.NotDone(); it.Next())
-            values.Append(it.Value());
-        return values;
+        return cow_CollectFrom<V>(it, [](const cow_BtreeIterator<K, V>& i) -> const V& { return i.Value(); });
     }
 };
 

@@ -222,6 +222,16 @@ public:
     explicit cow_ListIter(const cow_List<T>& list) : cow_ArraySeqIter<cow_List<T>, T>(list) {}
 };
 
+// The items an iterator of a container visits (First, NotDone, Next), picked from it, as a list.
+template <class T, class Iter, class Pick>
+cow_List<T> cow_CollectFrom(Iter& it, Pick pick)
+{
+    cow_List<T> out;
+    for (it.First(); it.NotDone(); it.Next())
+        out.Append(pick(it));
+    return out;
+}
+
 // The greatest length among the strings of a list, read from each representation; 0 for an
 // empty list or strings without representation.
 inline unsigned int GetLengthLongestString(const cow_List<cow_String>& list)

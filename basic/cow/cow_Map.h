@@ -288,19 +288,13 @@ struct cow_MapUtils {
     // The keys / values in tree order.
     static cow_List<K> cow_Keys(const cow_Map<K, V>& map)
     {
-        cow_List<K> keys;
         cow_ConstMapIterator<K, V> it(map);
-        for (it.First(); it.NotDone(); it.Next())
-            keys.Append(it.Key());
-        return keys;
+        return cow_CollectFrom<K>(it, [](const cow_ConstMapIterator<K, V>& i) -> const K& { return i.Key(); });
     }
     static cow_List<V> cow_Values(const cow_Map<K, V>& map)
     {
-        cow_List<V> values;
         cow_ConstMapIterator<K, V> it(map);
-        for (it.First(); it.NotDone(); it.Next())
-            values.Append(it.Value());
-        return values;
+        return cow_CollectFrom<V>(it, [](const cow_ConstMapIterator<K, V>& i) -> const V& { return i.Value(); });
     }
 };
 
