@@ -1,8 +1,8 @@
 #include "utl/impl/utl_FileSystem.h"
+#include "utl/impl/utl_ParentDirectory.h"
 
 #include <cerrno>
 #include <fcntl.h>
-#include <string>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -37,15 +37,7 @@ bool Open(const cow_String& name, int access, Share, intptr_t& handle, uint32_t&
 
 bool IsNoSuchFile(uint32_t error, const cow_String& name)
 {
-    if (error != ENOENT)
-        return false;
-    std::string parent(name.c_str());
-    const size_t slash = parent.rfind('/');
-    if (slash == std::string::npos)
-        return true;
-    parent.resize(slash == 0 ? 1 : slash);
-    struct stat info;
-    return ::stat(parent.c_str(), &info) == 0;  // the directory is there: only the file is missing
+    return error == ENOENT && utl_ParentDirectoryExists(name);
 }
 
 bool Close(intptr_t handle, uint32_t& error)

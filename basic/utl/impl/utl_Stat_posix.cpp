@@ -1,8 +1,8 @@
 #include "utl/utl_Stat.h"
+#include "utl/impl/utl_ParentDirectory.h"
 
 #include <cerrno>
 #include <cstdint>
-#include <string>
 #include <sys/stat.h>
 
 namespace {
@@ -11,21 +11,6 @@ namespace {
 int64_t Seconds(const struct timespec& t)
 {
     return static_cast<int64_t>(static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_nsec) / 1e9 + 0.5);
-}
-
-// ENOENT stands for both "file not found" and "directory not found": it is the latter when the
-// entry's parent directory is missing too.
-bool ParentMissing(const cow_String& path)
-{
-    std::string parent(path.c_str());
-    while (parent.size() > 1 && parent.back() == '/')
-        parent.pop_back();
-    const size_t slash = parent.rfind('/');
-    if (slash == std::string::npos)
-        return false;  // relative to the current directory, which exists
-    parent.resize(slash == 0 ? 1 : slash);
-    struct stat info;
-    return ::stat(parent.c_str(), &info) != 0;
 }
 
 // One reader for both stat and fstat results.
@@ -49,7 +34,7 @@ void utl_Stat::ReadPath(const cow_String& path)
     if (::stat(path.c_str(), &info) != 0) {
         const int e = errno;
         m_error = omi_SystemErrorCode(static_cast<uint32_t>(e));
-        if (e == ENOENT && !ParentMissing(path))
+        if (e == ENOENT && utl_ParentDirectoryExists(path))
             return;  // not found is an answer
         Raise(m_error);
     }
