@@ -10,8 +10,13 @@
 // ConstGet raises nex_TextException. A failed insertion (out of memory) changes nothing.
 // One thread at a time.
 //
-// The library's instances map int keys to cls_ArrayPrimBuffer<T> and cls_Uid values; those types
-// come with the persistence classes. The template works with any copyable V.
+// Shared tries are held through cow_CountedHld<cls_PTrie<...>> (no copy-on-write: the trie itself
+// cannot be copied). Nodes come from the memory layer through mem_AllocationOperators.
+//
+// The library's instances are cls_PTrie<int, V, 1> for V = cls_ArrayPrimBuffer<int>, <float>,
+// <double>, <bool>, <cow_String> and cls_Uid; those value types come with the persistence classes
+// and are not instantiated yet. The template works with any copy-constructible, copy-assignable V.
+// Only N = 1 (one 32-bit word) is supported: the difference scan and the "done" code 32 assume it.
 #ifndef CLS_PTRIE_H
 #define CLS_PTRIE_H
 
@@ -22,6 +27,7 @@
 
 template <class K, int N>
 struct cls_PTrieKey {
+    static_assert(N == 1, "cls_PTrie keys are one 32-bit word");
     cls_PTrieKey() : words{} {}
     explicit cls_PTrieKey(const K& key) : words{} { words[0] = static_cast<uint32_t>(key); }
     int Bit(int b) const { return static_cast<int>((words[0] >> b) & 1u); }
@@ -66,9 +72,7 @@ public:
             trie.SetItem(this);
             return this->Done;
         }
-        for (int b = 31;; --b)
-            if (((mine ^ theirs) >> b) & 1u)
-                return b;
+        return 31 - __builtin_clz(mine ^ theirs);  // the highest differing bit; mine != theirs
     }
 
     cls_PTrieNode<K, V, N>* Remove(cls_PTrie<K, V, N>& trie, const K& k) override
@@ -76,6 +80,7 @@ public:
         if (cls_PTrieKey<K, N>(k).words[0] != cls_PTrieKey<K, N>(key).words[0])
             return this;
         trie.DecSize();
+        trie.Forget(this);
         return nullptr;
     }
 
@@ -232,6 +237,11 @@ private:
     friend class cls_PTrieInternalNode<K, V, N>;
 
     void SetItem(Leaf* leaf) { m_item = leaf; }
+    void Forget(const Leaf* leaf)
+    {
+        if (m_item == leaf)
+            m_item = nullptr;
+    }
     void IncSize() { ++m_size; }
     void DecSize() { --m_size; }
 

@@ -8,13 +8,23 @@
 // chain. There is no removal of single entries and no rehashing: chains grow without bound.
 //
 // Iteration positions are (bucket, place in the chain counted from 1); (0, 0) means none.
+// FirstPosition is the head of the first non-empty bucket; NextPosition walks the chain, then
+// the next non-empty bucket, and answers (0, 0) after the last entry.
 // A table without buckets, or a hash function answering outside 0 .. count-1, raises
-// nex_AssertException rather than touching memory outside the bucket array.
+// nex_AssertException rather than touching memory outside the bucket array. So does a call
+// without a hash function for a key type that has no HashValue overload.
 // One thread at a time.
+//
+// The class carries no module prefix; it is a container and lives with the containers (cow),
+// as does LongKey (cow/cow_LongKey.h). Entries come from mem_OperatorNewThrow and go back with
+// mem_Free; the bucket array comes from mem_Malloc. A failed Insert (allocation or a throwing
+// key/value copy) leaves the table as it was.
 #ifndef COW_HASHTABLE_H
 #define COW_HASHTABLE_H
 
 #include <new>
+#include <type_traits>
+#include <utility>
 
 #include "mem/mem_Memory.h"
 #include "mem/mem_OutOfMemory.h"
@@ -23,6 +33,14 @@
 
 template <class K, class V>
 class HashTable;
+
+// Whether the lower library has a default hash for K.
+template <class K, class = void>
+struct HashTableHasDefaultHash : std::false_type {
+};
+template <class K>
+struct HashTableHasDefaultHash<K, decltype(void(HashValue(std::declval<const K&>(), 1u)))> : std::true_type {
+};
 
 template <class K, class V>
 class HashTableEntry {
@@ -82,7 +100,12 @@ public:
             }
         }
         void* raw = mem_OperatorNewThrow(sizeof(Entry));
-        head = ::new (raw) Entry(key, value, head);
+        try {
+            head = ::new (raw) Entry(key, value, head);
+        } catch (...) {
+            mem_Free(raw);
+            throw;
+        }
     }
 
     bool LookUp(const K& key, V& out, HashFn hash = nullptr, EqualFn equal = nullptr) const
@@ -132,9 +155,20 @@ private:
     unsigned int Bucket(const K& key, HashFn hash) const
     {
         NEX_ASSERT_AT(m_count > 0, "cow/impl/cow_HashTable");
-        const long long index = hash ? hash(key, m_count) : static_cast<long long>(HashValue(key, m_count));
+        const long long index = hash ? hash(key, m_count) : DefaultHash(key);
         NEX_ASSERT_AT(index >= 0 && index < static_cast<long long>(m_count), "cow/impl/cow_HashTable");
         return static_cast<unsigned int>(index);
+    }
+
+    long long DefaultHash(const K& key) const
+    {
+        if constexpr (HashTableHasDefaultHash<K>::value) {
+            return static_cast<long long>(HashValue(key, m_count));
+        } else {
+            const bool hashFunctionGiven = false;
+            NEX_ASSERT_AT(hashFunctionGiven, "cow/impl/cow_HashTable");
+            return -1;
+        }
     }
 
     static bool Same(const K& a, const K& b, EqualFn equal) { return equal ? equal(a, b) : a == b; }

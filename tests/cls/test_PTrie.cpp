@@ -1,12 +1,16 @@
-// The crit-bit trie: order of the unsigned bit patterns, replacement, removal, lookups.
+// The crit-bit trie: order of the unsigned bit patterns, replacement, removal, lookups, shape,
+// failure safety.
 #include <gtest/gtest.h>
 
 #include <climits>
 #include <map>
+#include <cstdint>
 #include <random>
+#include <stdexcept>
 #include <vector>
 
 #include "cls/cls_PTrie.h"
+#include "cow/cow_COW.h"
 #include "cow/cow_String.h"
 #include "mem/mem_Memory.h"
 
@@ -15,6 +19,15 @@ template class cls_PTrie<int, float, 1>;
 template class cls_PTrie<int, double, 1>;
 template class cls_PTrie<int, bool, 1>;
 template class cls_PTrie<int, cow_String, 1>;
+
+// Stands in for the persistence value types (cls_Uid: a pair of 32-bit numbers).
+struct UidStandIn {
+    uint32_t high = 0, low = 0;
+    bool operator==(const UidStandIn& o) const { return high == o.high && low == o.low; }
+};
+template class cls_PTrie<int, UidStandIn, 1>;
+template class cls_PTrieIter<int, UidStandIn, 1>;
+template class cow_CountedHld<cls_PTrie<int, UidStandIn, 1>>;
 
 namespace {
 
@@ -117,22 +130,264 @@ TEST(ClsPTrie, RandomOperationsAgreeWithAnUnsignedOrderedMap)
     EXPECT_TRUE(Keys(t).empty());
 }
 
-TEST(ClsPTrie, FailedInsertChangesNothing)
+typedef cls_PTrieNode<int, int, 1> Node;
+typedef cls_PTrieInternalNode<int, int, 1> Internal;
+typedef cls_PTrieLeafNode<int, int, 1> Leaf;
+
+// Checks the crit-bit shape below `node`: every internal node's bit is below its parent's, the
+// leaves under its bit-1 child have that bit set and those under its bit-0 child have it clear,
+// and all leaves of a subtree agree on the bits above its node's bit. Answers the leaf count and
+// one leaf key of the subtree.
+int CheckShape(const Node* node, int parentBit, uint32_t& someKey)
 {
-    for (long n = 1; n <= 3; ++n) {
-        Trie t;
-        t.Insert(1, 1);
-        t.Insert(2, 2);
-        mem_TestFailAllocation(n);
-        try {
-            t.Insert(4, 4);
-        } catch (...) {
-        }
-        mem_TestFailAllocation(0);
-        const std::vector<int> keys = Keys(t);
-        EXPECT_TRUE(keys == (std::vector<int>{1, 2}) || keys == (std::vector<int>{1, 2, 4})) << n;
-        EXPECT_EQ(t.Size(), static_cast<int>(keys.size()));
+    if (const Leaf* leaf = dynamic_cast<const Leaf*>(node)) {
+        someKey = static_cast<uint32_t>(leaf->key);
+        return 1;
     }
+    const Internal* in = dynamic_cast<const Internal*>(node);
+    EXPECT_NE(in, nullptr);
+    EXPECT_LT(in->bit, parentBit);
+    EXPECT_GE(in->bit, 0);
+    EXPECT_TRUE(in->child0 && in->child1);
+    uint32_t k0 = 0, k1 = 0;
+    const int count = CheckShape(in->child0, in->bit, k0) + CheckShape(in->child1, in->bit, k1);
+    EXPECT_EQ((k0 >> in->bit) & 1u, 0u);
+    EXPECT_EQ((k1 >> in->bit) & 1u, 1u);
+    const uint32_t above = in->bit == 31 ? 0u : ~0u << (in->bit + 1);
+    EXPECT_EQ(k0 & above, k1 & above) << "subtree leaves disagree above bit " << in->bit;
+    someKey = k0;
+    return count;
+}
+
+int CheckShape(const Trie& t)
+{
+    uint32_t key = 0;
+    return t.Root() ? CheckShape(t.Root(), 32, key) : 0;
+}
+
+TEST(ClsPTrie, RemovingAMidPathLeafSplicesItsSiblingUp)
+{
+    Trie t;
+    for (int k : {0, 1, 2, 3, 8, 12, -8})
+        t.Insert(k, k * 10);
+    EXPECT_EQ(CheckShape(t), 7);
+    t.Remove(2);  // its sibling 3 moves up beside {0, 1}
+    EXPECT_EQ(CheckShape(t), 6);
+    EXPECT_EQ(Keys(t), (std::vector<int>{0, 1, 3, 8, 12, -8}));
+    EXPECT_EQ(t.ConstGetPtr(2), nullptr);
+    EXPECT_EQ(t.ConstGet(3), 30);
+    t.Remove(-8);  // the root's bit-1 side goes: the root is replaced by its bit-0 child
+    EXPECT_EQ(CheckShape(t), 5);
+    const Internal* root = dynamic_cast<const Internal*>(t.Root());
+    ASSERT_NE(root, nullptr);
+    EXPECT_EQ(root->bit, 3) << "0..3 and 8, 12 differ first in bit 3";
+    t.Insert(2, 21);
+    EXPECT_EQ(CheckShape(t), 6);
+    EXPECT_EQ(Keys(t), (std::vector<int>{0, 1, 2, 3, 8, 12}));
+}
+
+TEST(ClsPTrie, EmptyTriesAnswerAbsentForEveryKey)
+{
+    Trie t;
+    for (int k : {0, 1, -1, INT_MIN, INT_MAX}) {
+        EXPECT_EQ(t.ConstGetPtr(k), nullptr);
+        EXPECT_THROW(t.ConstGet(k), nex_TextException);
+    }
+    t.Insert(4, 4);
+    t.Clear();
+    EXPECT_EQ(t.ConstGetPtr(4), nullptr);
+    t.Insert(4, 4);
+    t.Remove(4);
+    EXPECT_EQ(t.ConstGetPtr(4), nullptr);
+    EXPECT_EQ(t.ConstGetPtr(0), nullptr);
+    t.Insert(9, 90);  // usable again
+    EXPECT_EQ(t.ConstGet(9), 90);
+}
+
+TEST(ClsPTrie, FullRangeKeysAgreeWithAMapInUnsignedOrder)
+{
+    std::mt19937 rng(17);
+    Trie t;
+    std::map<uint32_t, int> reference;
+    std::vector<int> used;
+    for (int step = 0; step < 20000; ++step) {
+        const bool reuse = !used.empty() && rng() % 2;
+        const int key = reuse ? used[rng() % used.size()] : static_cast<int>(rng());
+        if (!reuse)
+            used.push_back(key);
+        switch (rng() % 4) {
+        case 0:
+            t.Remove(key);
+            reference.erase(static_cast<uint32_t>(key));
+            break;
+        case 1: {
+            const int* got = t.ConstGetPtr(key);
+            const auto it = reference.find(static_cast<uint32_t>(key));
+            ASSERT_EQ(got != nullptr, it != reference.end()) << key;
+            if (got) {
+                EXPECT_EQ(*got, it->second);
+            }
+            break;
+        }
+        default:
+            EXPECT_EQ(t.Insert(key, step), step);
+            reference[static_cast<uint32_t>(key)] = step;
+        }
+        ASSERT_EQ(t.Size(), static_cast<int>(reference.size()));
+        if (step % 2000 == 0) {
+            ASSERT_EQ(CheckShape(t), t.Size());
+        }
+    }
+    std::vector<int> expected;
+    for (const auto& kv : reference)
+        expected.push_back(static_cast<int>(kv.first));
+    EXPECT_EQ(Keys(t), expected);
+    EXPECT_EQ(Keys(t), expected) << "a second pass from First gives the same order";
+}
+
+// A value that owns heap memory, counts its live copies and can be told to fail copying.
+struct Tracked {
+    static int alive;
+    static bool failCopies;
+    std::vector<int> payload;
+    explicit Tracked(int v = 0) : payload(3, v) { ++alive; }
+    Tracked(const Tracked& o) : payload(o.payload)
+    {
+        if (failCopies)
+            throw std::runtime_error("copy");
+        ++alive;
+    }
+    Tracked& operator=(const Tracked& o)
+    {
+        if (failCopies)
+            throw std::runtime_error("assign");
+        payload = o.payload;
+        return *this;
+    }
+    ~Tracked() { --alive; }
+};
+int Tracked::alive = 0;
+bool Tracked::failCopies = false;
+
+TEST(ClsPTrie, ValuesAreDestroyedWithTheirLeaves)
+{
+    {
+        cls_PTrie<int, Tracked, 1> t;
+        for (int k = 0; k < 20; ++k)
+            t.Insert(k * 7 - 50, Tracked(k));
+        EXPECT_EQ(Tracked::alive, 20);
+        t.Insert(-50, Tracked(99));  // replaced, not added
+        EXPECT_EQ(Tracked::alive, 20);
+        EXPECT_EQ(t.ConstGet(-50).payload[0], 99);
+        t.Remove(6);  // k = 8
+        t.Remove(5);  // absent
+        EXPECT_EQ(Tracked::alive, 19);
+        t.Clear();
+        EXPECT_EQ(Tracked::alive, 0);
+        for (int k = 0; k < 5; ++k)
+            t.Insert(k, Tracked(k));
+    }
+    EXPECT_EQ(Tracked::alive, 0) << "the destructor frees every node";
+}
+
+TEST(ClsPTrie, FailedInsertsLeaveTheTrieAsItWas)
+{
+    typedef cls_PTrie<int, Tracked, 1> TrackedTrie;
+    auto contents = [](const TrackedTrie& t) {
+        std::vector<std::pair<int, int>> kv;
+        cls_PTrieIter<int, Tracked, 1> it(t);
+        for (it.First(); !it.IsDone(); it.Next())
+            kv.emplace_back(it.Key(), it.Value().payload[0]);
+        return kv;
+    };
+    TrackedTrie t;
+    const Tracked v(5);
+    // The first insert of all allocates one leaf.
+    {
+        TrackedTrie empty;
+        mem_TestFailAllocation(1);
+        EXPECT_ANY_THROW(empty.Insert(1, v));
+        mem_TestFailAllocation(0);
+        EXPECT_EQ(empty.Size(), 0);
+        EXPECT_EQ(empty.Root(), nullptr);
+        EXPECT_EQ(empty.ConstGetPtr(1), nullptr);
+    }
+    // Later inserts: out of memory at the new leaf (1) or at the new internal node (2).
+    for (int k : {1, 2, 6, -3})
+        t.Insert(k, Tracked(k));
+    const auto before = contents(t);
+    const int alive = Tracked::alive;
+    for (int key : {4, 0, -1, INT_MIN}) {
+        for (long n = 1; n <= 2; ++n) {
+            mem_TestFailAllocation(n);
+            bool threw = false;
+            try {
+                t.Insert(key, v);
+            } catch (...) {
+                threw = true;
+            }
+            const long pending = mem_TestFailAllocationPending();
+            mem_TestFailAllocation(0);
+            EXPECT_TRUE(threw) << key << " failing allocation " << n;
+            EXPECT_EQ(pending, 0);
+            EXPECT_EQ(contents(t), before);
+            EXPECT_EQ(t.Size(), 4);
+            EXPECT_EQ(t.ConstGetPtr(key), nullptr);
+            EXPECT_EQ(Tracked::alive, alive) << "nothing half-made is left behind";
+        }
+    }
+    // A value whose copy fails: on a new key and on a present one.
+    Tracked::failCopies = true;
+    EXPECT_THROW(t.Insert(4, v), std::runtime_error);
+    EXPECT_THROW(t.Insert(2, v), std::runtime_error);
+    Tracked::failCopies = false;
+    EXPECT_EQ(contents(t), before);
+    EXPECT_EQ(Tracked::alive, alive);
+    t.Insert(4, v);
+    EXPECT_EQ(t.Size(), 5);
+}
+
+TEST(ClsPTrie, SharedThroughACountedHandle)
+{
+    typedef cls_PTrie<int, UidStandIn, 1> UidTrie;
+    cow_CountedHld<UidTrie> first(new UidTrie);
+    cow_CountedHld<UidTrie> second(first);
+    EXPECT_EQ(first.UseCount(), 2);
+    first.GetPtr()->Insert(-2, UidStandIn{1, 2});
+    first.GetPtr()->Insert(3, UidStandIn{3, 4});
+    const UidStandIn* got = second.GetRef().ConstGetPtr(-2);
+    ASSERT_NE(got, nullptr);
+    EXPECT_EQ(*got, (UidStandIn{1, 2}));
+    std::vector<int> keys;
+    cls_PTrieIter<int, UidStandIn, 1> it(second.GetRef());
+    for (it.First(); !it.IsDone(); it.Next())
+        keys.push_back(it.Key());
+    EXPECT_EQ(keys, (std::vector<int>{3, -2}));
+}
+
+TEST(ClsPTrie, OtherValueTypes)
+{
+    cls_PTrie<int, double, 1> d;
+    d.Insert(-1, 0.5);
+    d.Insert(1, 1.5);
+    EXPECT_DOUBLE_EQ(d.ConstGet(-1), 0.5);
+    cls_PTrie<int, bool, 1> b;
+    b.Insert(7, true);
+    b.Insert(7, false);
+    EXPECT_FALSE(b.ConstGet(7));
+    EXPECT_EQ(b.Size(), 1);
+    cls_PTrie<int, cow_String, 1> s;
+    s.Insert(2, cow_String("two"));
+    s.Insert(INT_MIN, cow_String("min"));
+    s.Insert(0, cow_String("zero"));
+    std::vector<cow_String> values;
+    cls_PTrieIter<int, cow_String, 1> it(s);
+    for (it.First(); !it.IsDone(); it.Next())
+        values.push_back(it.Value());
+    ASSERT_EQ(values.size(), 3u);
+    EXPECT_EQ(values[0], "zero");
+    EXPECT_EQ(values[1], "two");
+    EXPECT_EQ(values[2], "min");
 }
 
 }  // namespace

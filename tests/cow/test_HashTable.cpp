@@ -1,12 +1,17 @@
-// The chained hash table and the 128-bit flag key.
+// The chained hash table: chain order, iteration positions, caller-given hash and equality.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+#include <random>
+#include <stdexcept>
+#include <tuple>
+#include <unordered_map>
 #include <utility>
 #include <vector>
 
 #include "cow/cow_HashTable.h"
-#include "cow/cow_LongKey.h"
 #include "mem/mem_Memory.h"
+#include "omi/omi_HashValue.h"
 
 template class HashTable<unsigned int, void*>;
 template class HashTable<void*, unsigned int>;
@@ -28,6 +33,16 @@ int AllInBucketZero(const unsigned int&, unsigned int)
 int ByValue(const unsigned int& key, unsigned int buckets)
 {
     return static_cast<int>(key % buckets);
+}
+
+// (bucket, key, value) of every entry in iteration order.
+template <class K, class V>
+std::vector<std::tuple<unsigned int, K, V>> Snapshot(const HashTable<K, V>& t)
+{
+    std::vector<std::tuple<unsigned int, K, V>> seen;
+    for (HashTablePosition p = t.FirstPosition(); p.IsValid(); p = t.NextPosition(p))
+        seen.emplace_back(p.bucket, t.EntryAt(p)->Key(), t.EntryAt(p)->Value());
+    return seen;
 }
 
 TEST(CowHashTable, InsertingAKeyTwiceKeepsOneEntryWithTheSecondValue)
@@ -134,56 +149,114 @@ TEST(CowHashTable, FailedInsertLeavesTheTableAsItWas)
     EXPECT_TRUE(t.LookUp(1, out));
 }
 
-TEST(CowLongKey, OrderIsThatOf128BitNumbers)
+TEST(CowHashTable, FailedInsertIntoAFilledChainChangesNothing)
 {
-    LongKey high, low;
-    const unsigned int b96 = 96;
-    high.setBits(1, &b96);
-    std::vector<unsigned int> all;
-    for (unsigned int b = 0; b < 96; ++b)
-        all.push_back(b);
-    low.setBits(static_cast<unsigned int>(all.size()), all.data());
-    EXPECT_TRUE(high > low);
-    EXPECT_TRUE(low < high);
-    EXPECT_FALSE(high < high);
-    EXPECT_FALSE(high > high);
-
-    LongKey bit0, bit1;
-    const unsigned int zero = 0, one = 1;
-    bit0.setBits(1, &zero);
-    bit1.setBits(1, &one);
-    EXPECT_TRUE(bit0 < bit1);
+    NumberToAddress t(2);
+    for (unsigned int k = 0; k < 6; ++k)
+        t.Insert(k, Address(k + 100), &ByValue);
+    const auto before = Snapshot(t);
+    mem_TestFailAllocation(1);
+    EXPECT_ANY_THROW(t.Insert(8, Address(8), &ByValue));
+    mem_TestFailAllocation(0);
+    EXPECT_EQ(Snapshot(t), before);
+    // Overwriting a present key allocates nothing and so cannot fail.
+    mem_TestFailAllocation(1);
+    t.Insert(4, Address(44), &ByValue);
+    const long pending = mem_TestFailAllocationPending();
+    mem_TestFailAllocation(0);
+    EXPECT_EQ(pending, 1);
+    void* out = nullptr;
+    ASSERT_TRUE(t.LookUp(4, out, &ByValue));
+    EXPECT_EQ(out, Address(44));
 }
 
-TEST(CowLongKey, BitsAcrossWordBoundariesAndCombinations)
+// A key type without a default hash whose copy can be made to throw.
+struct Name {
+    int id;
+    static bool failCopies;
+    explicit Name(int i) : id(i) {}
+    Name(const Name& o) : id(o.id)
+    {
+        if (failCopies)
+            throw std::runtime_error("copy");
+    }
+    Name& operator=(const Name&) = default;
+    bool operator==(const Name& o) const { return id == o.id; }
+};
+bool Name::failCopies = false;
+
+int HashName(const Name& n, unsigned int buckets)
 {
-    LongKey k;
-    const unsigned int bits[] = {5, 5, 40};
-    k.setBits(3, bits);
-    EXPECT_TRUE(k.hasBit(5));
-    EXPECT_TRUE(k.hasBit(40));
-    EXPECT_FALSE(k.hasBit(41));
-    k.setBits(0, nullptr);
+    return n.id % static_cast<int>(buckets);
+}
 
-    LongKey edges;
-    const unsigned int boundary[] = {0, 31, 32, 63, 64, 127};
-    edges.setBits(6, boundary);
-    for (unsigned int b : boundary)
-        EXPECT_TRUE(edges.hasBit(b)) << b;
-    EXPECT_EQ(edges.Word(0), 0x80000001u);
-    EXPECT_EQ(edges.Word(3), 0x80000000u);
+TEST(CowHashTable, KeysWithoutADefaultHashNeedAHashFunction)
+{
+    HashTable<Name, int> t(3);
+    EXPECT_THROW(t.Insert(Name(1), 1), nex_AssertException);
+    t.Insert(Name(1), 10, &HashName);
+    t.Insert(Name(4), 40, &HashName);
+    Name::failCopies = true;
+    EXPECT_THROW(t.Insert(Name(7), 70, &HashName), std::runtime_error);
+    Name::failCopies = false;
+    int out = 0;
+    EXPECT_FALSE(t.LookUp(Name(7), out, &HashName));
+    const HashTablePosition head = t.FirstPosition();
+    ASSERT_TRUE(head.IsValid());
+    EXPECT_EQ(head.bucket, 1u);
+    EXPECT_EQ(t.EntryAt(head)->Key().id, 4) << "the failed entry did not reach the chain";
+    ASSERT_TRUE(t.LookUp(Name(1), out, &HashName));
+    EXPECT_EQ(out, 10);
+}
 
-    const unsigned int outside[] = {128, 1000};
-    LongKey untouched;
-    untouched.setBits(2, outside);
-    EXPECT_EQ(untouched, LongKey()) << "bits past 127 are ignored";
-    EXPECT_FALSE(untouched.hasBit(128));
+TEST(CowHashTable, RandomInsertsAgreeWithUnorderedMapAndIterateInChainOrder)
+{
+    std::mt19937 rng(11);
+    for (unsigned int buckets : {1u, 13u, 256u}) {
+        NumberToAddress t(buckets);
+        std::unordered_map<unsigned int, void*> reference;
+        std::vector<std::vector<unsigned int>> chains(buckets);  // newest first
+        for (int step = 0; step < 3000; ++step) {
+            const unsigned int key = rng() % 1500 + (rng() % 2 ? 0x80000000u : 0u);
+            void* value = Address(static_cast<uintptr_t>(step) + 1);
+            if (!reference.count(key)) {
+                auto& chain = chains[HashValue(key, buckets)];
+                chain.insert(chain.begin(), key);
+            }
+            reference[key] = value;
+            t.Insert(key, value);
+        }
+        std::vector<std::tuple<unsigned int, unsigned int, void*>> expected;
+        for (unsigned int b = 0; b < buckets; ++b)
+            for (unsigned int key : chains[b])
+                expected.emplace_back(b, key, reference[key]);
+        EXPECT_EQ(Snapshot(t), expected) << buckets;
+        for (const auto& kv : reference) {
+            void* out = nullptr;
+            ASSERT_TRUE(t.LookUp(kv.first, out));
+            EXPECT_EQ(out, kv.second);
+        }
+        void* out = Address(1);
+        EXPECT_FALSE(t.LookUp(1500u, out));
+        EXPECT_EQ(out, Address(1));
+    }
+}
 
-    EXPECT_EQ((k | edges) & k, k);
-    EXPECT_NE(k & edges, k);
-    LongKey both = k;
-    both |= edges;
-    EXPECT_TRUE(both.hasBit(127) && both.hasBit(40));
+TEST(CowHashTable, AddressKeysWithTheDefaultHash)
+{
+    HashTable<void*, unsigned int> t(64);
+    std::vector<char> storage(16 * 2000);
+    for (unsigned int i = 0; i < 2000; ++i)
+        t.Insert(&storage[16 * i], i);
+    unsigned int out = 0;
+    for (unsigned int i = 0; i < 2000; ++i) {
+        ASSERT_TRUE(t.LookUp(&storage[16 * i], out));
+        EXPECT_EQ(out, i);
+    }
+    EXPECT_FALSE(t.LookUp(&storage[8], out));
+    EXPECT_EQ(Snapshot(t).size(), 2000u);
+    t.Clear();
+    EXPECT_FALSE(t.FirstPosition().IsValid());
 }
 
 }  // namespace
