@@ -13,6 +13,9 @@ export WINEDEBUG=-all
 # pipe and keep ctest waiting for it to close.
 wineserver=/usr/lib/wine/wineserver
 if [ -x "$wineserver" ]; then
+  # deps.sh may have just created the prefix: let that short-lived server exit first, or the
+  # persistent one cannot start.
+  "$wineserver" -w 2>/dev/null || true
   "$wineserver" -p
   trap '"$wineserver" -k 2>/dev/null || true' EXIT
   timeout 300 /usr/lib/wine/wine64 cmd /c exit </dev/null >/dev/null 2>&1 || true
