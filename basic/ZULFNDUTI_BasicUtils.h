@@ -67,6 +67,7 @@
 #include "cow/cow_SystemErrorCode.h"
 #include "utl/utl_BinStream.h"
 #include "utl/utl_Catenator.h"
+#include "utl/utl_CommandLine.h"
 #include "utl/utl_DirObject.h"
 #include "utl/utl_DirPathUtils.h"
 #include "utl/utl_File.h"
@@ -76,5 +77,6 @@
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_Stat.h"
 #include "utl/utl_Stream.h"
+#include "utl/utl_TempFile.h"
 
 #endif

@@ -1,6 +1,7 @@
 #include "utl/utl_Initialize.h"
 
 #include "typ/typ_Module.h"
+#include "utl/utl_CommandLine.h"
 #include "utl/impl/utl_Sockets.h"
 
 namespace {
@@ -12,6 +13,7 @@ bool g_socketsUp = false;
 void StartUp()
 {
     g_socketsUp = utl_SocketsStartUp() == 0;
+    utl_CommandLine::Instance();  // reads the process's arguments
 }
 
 void TearDown()
