@@ -109,12 +109,15 @@ cow_String uti_MD5::Digest()
     Append(padding, padLength);
     Append(length, 8);
 
-    unsigned char digest[16];
-    StoreLE(digest, m_A);
-    StoreLE(digest + 4, m_B);
-    StoreLE(digest + 8, m_C);
-    StoreLE(digest + 12, m_D);
-    m_Digest = cow_String(reinterpret_cast<const char*>(digest), 16);
+    // Written in place: a string made from a pointer and a count would end at a zero byte.
+    cow_String digest;
+    unsigned char* out = reinterpret_cast<unsigned char*>(digest.GetWriteBuffer(16));
+    StoreLE(out, m_A);
+    StoreLE(out + 4, m_B);
+    StoreLE(out + 8, m_C);
+    StoreLE(out + 12, m_D);
+    digest.SetLength(16);
+    m_Digest = digest;
     return m_Digest;
 }
 
