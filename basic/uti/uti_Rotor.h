@@ -45,9 +45,8 @@ public:
     int Wiring(int rotor, int value) const { return m_ERotors[rotor * m_Size + value]; }
 
 private:
-    int Reduce(int x) const { return m_SizeMask != 0 ? (x & m_SizeMask) : (x % m_Size); }
     void Seed();
-    void Step();
+    void Run(char* data, int length, bool encrypt);
 
     int32_t m_Seed1, m_Seed2, m_Seed3;
     uint16_t m_Key[5];

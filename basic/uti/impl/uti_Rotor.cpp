@@ -100,41 +100,68 @@ void uti_Rotorobj::Build()
     m_Initialized = 1;
 }
 
-void uti_Rotorobj::Step()
+namespace {
+
+// Reductions modulo the rotor size: the general rule, and the usual 256 positions without a
+// mask, where the compiler can see the constant.
+struct ReduceBySize {
+    int size, mask;
+    int operator()(int x) const { return mask != 0 ? (x & mask) : (x % size); }
+};
+
+struct ReduceBy256 {
+    int operator()(int x) const { return x & 255; }
+};
+
+struct Tables {
+    int rotors, size;
+    const unsigned char* e;
+    const unsigned char* d;
+    unsigned char* positions;
+    const unsigned char* advances;
+};
+
+// Runs the machine over the bytes, stepping the positions like an odometer after each byte.
+template <class Reduce>
+void RunMachine(const Tables& m, unsigned char* data, int length, bool encrypt, Reduce reduce)
 {
-    for (int i = 0; i < m_Rotors; ++i) {
-        const int t = m_Positions[i] + m_Advances[i];
-        m_Positions[i] = static_cast<unsigned char>(Reduce(t));
-        if (t >= m_Size && i < m_Rotors - 1)
-            m_Positions[i + 1] = static_cast<unsigned char>(m_Positions[i + 1] + 1);
+    const int last = m.rotors - 1;
+    for (int j = 0; j < length; ++j) {
+        int c = data[j];
+        if (encrypt) {
+            for (int i = 0; i <= last; ++i)
+                c = m.e[static_cast<size_t>(i) * m.size + reduce(c ^ m.positions[i])];
+        } else {
+            for (int i = last; i >= 0; --i)
+                c = reduce(m.d[static_cast<size_t>(i) * m.size + c] ^ m.positions[i]);
+        }
+        data[j] = static_cast<unsigned char>(c);
+        for (int i = 0; i <= last; ++i) {
+            const int t = m.positions[i] + m.advances[i];
+            m.positions[i] = static_cast<unsigned char>(reduce(t));
+            if (t >= m.size && i < last)
+                m.positions[i + 1] = static_cast<unsigned char>(m.positions[i + 1] + 1);
+        }
     }
 }
 
-void uti_Rotorobj::EncryptBytes(char* data, int length)
+}  // namespace
+
+void uti_Rotorobj::Run(char* data, int length, bool encrypt)
 {
     NEX_ASSERT(length >= 0);
     NEX_ASSERT(data != nullptr || length == 0);
-    for (int j = 0; j < length; ++j) {
-        int c = static_cast<unsigned char>(data[j]);
-        for (int i = 0; i < m_Rotors; ++i)
-            c = m_ERotors[static_cast<size_t>(i) * m_Size + Reduce(c ^ m_Positions[i])];
-        data[j] = static_cast<char>(c);
-        Step();
-    }
+    const Tables tables = {m_Rotors, m_Size, m_ERotors, m_DRotors, m_Positions, m_Advances};
+    unsigned char* bytes = reinterpret_cast<unsigned char*>(data);
+    if (m_Size == 256 && m_SizeMask == 0)
+        RunMachine(tables, bytes, length, encrypt, ReduceBy256());
+    else
+        RunMachine(tables, bytes, length, encrypt, ReduceBySize{m_Size, m_SizeMask});
 }
 
-void uti_Rotorobj::DecryptBytes(char* data, int length)
-{
-    NEX_ASSERT(length >= 0);
-    NEX_ASSERT(data != nullptr || length == 0);
-    for (int j = 0; j < length; ++j) {
-        int c = static_cast<unsigned char>(data[j]);
-        for (int i = m_Rotors - 1; i >= 0; --i)
-            c = Reduce(m_DRotors[static_cast<size_t>(i) * m_Size + c] ^ m_Positions[i]);
-        data[j] = static_cast<char>(c);
-        Step();
-    }
-}
+void uti_Rotorobj::EncryptBytes(char* data, int length) { Run(data, length, true); }
+
+void uti_Rotorobj::DecryptBytes(char* data, int length) { Run(data, length, false); }
 
 uti_Rotor::uti_Rotor(cow_String key) : m_Machine(new uti_Rotorobj(6, key)) {}
 
