@@ -2,7 +2,7 @@
 // schedule's edge cases and (where available) OpenSSL on random keys and texts.
 #include <gtest/gtest.h>
 
-#include <cstring>
+#include <cctype>
 #include <string>
 
 #include "crypto_Hex.h"

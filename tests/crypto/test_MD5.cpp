@@ -2,6 +2,7 @@
 // available) OpenSSL on random inputs.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 
 #include "crypto_Hex.h"
