@@ -1,0 +1,164 @@
+// msf: list, verify, read, write and recover container files.
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "nex/nex_Exception.h"
+#include "utl/utl_DirObject.h"
+#include "utl/utl_File.h"
+#include "utl/utl_FilePath.h"
+#include "utl/utl_MultisectionFile.h"
+#include "utl/utl_Stat.h"
+#include "zulutil.h"
+
+namespace {
+
+// A container that cannot be opened at all, or is not a container, is an input error (2);
+// one whose table is damaged is a failed check (1).
+int StatusOfOpenFailure(const nex_Exception& e)
+{
+    const std::string text = e.AsString().c_str();
+    if (dynamic_cast<const utl_FileExceptionOpen*>(&e) || dynamic_cast<const utl_FileExceptionNoFile*>(&e) ||
+        text.find("Invalid file type") != std::string::npos || text.find("Unsupported file format") != std::string::npos)
+        return zulutil_BadUsage;
+    return zulutil_CheckFailed;
+}
+
+// Checks every section; prints one line each when `list`, or the corrupt ones otherwise.
+// Returns the number of corrupt sections.
+int CheckSections(utl_MultisectionFile& msf, bool list)
+{
+    int corrupt = 0;
+    for (int i = 0; i < msf.SectionCount(); ++i) {
+        const cow_String name = msf.SectionName(i);
+        const int length = msf.getSectionLength(name);
+        bool ok = true;
+        try {
+            std::vector<char> data(static_cast<size_t>(length) + 1);
+            msf.getSectionData(name, data.data());
+        } catch (const nex_Exception&) {
+            ok = false;
+            ++corrupt;
+        }
+        if (list)
+            std::printf("%-32s %12d  %08x  %s\n", name.c_str(), length, msf.SectionCrc(i), ok ? "ok" : "CORRUPT");
+        else if (!ok)
+            std::printf("CORRUPT section \"%s\"\n", name.c_str());
+    }
+    return corrupt;
+}
+
+int ListOrVerify(const std::string& path, bool list)
+{
+    int corrupt;
+    try {
+        utl_MultisectionFile msf(path.c_str(), utl_FileAccessRead);
+        if (list)
+            std::printf("%s: %d sections, %lld bytes\n", path.c_str(), msf.SectionCount(),
+                        static_cast<long long>(utl_Stat(path.c_str()).Size()));
+        corrupt = CheckSections(msf, list);
+        if (!list && corrupt == 0)
+            std::printf("%s: %d sections ok\n", path.c_str(), msf.SectionCount());
+    } catch (const nex_Exception& e) {
+        std::fflush(stdout);
+        std::fprintf(stderr, "zulutil: %s\n", e.UserReport().c_str());
+        return StatusOfOpenFailure(e);
+    }
+    return corrupt == 0 ? zulutil_Ok : zulutil_CheckFailed;
+}
+
+int Get(const zulutil_Args& args)
+{
+    const std::string path = args.Positional(2), section = args.Positional(3);
+    if (path.empty() || section.empty())
+        return zulutil_UsageError("msf", "msf get needs FILE and SECTION");
+    utl_MultisectionFile msf(path.c_str(), utl_FileAccessRead);
+    std::string bytes(static_cast<size_t>(msf.getSectionLength(section.c_str())), '\0');
+    msf.getSectionData(section.c_str(), &bytes[0]);
+    zulutil_WriteAll(args.Value("o"), bytes);
+    return zulutil_Ok;
+}
+
+int Put(const zulutil_Args& args)
+{
+    const std::string path = args.Positional(2), section = args.Positional(3);
+    if (path.empty() || section.empty())
+        return zulutil_UsageError("msf", "msf put needs FILE and SECTION");
+    const std::string bytes = zulutil_ReadAll(args.Positional(4));
+    if (bytes.size() > 0x7FFFFFFFu)
+        return zulutil_UsageError("msf", "a section holds at most 2 GiB");
+    const bool exists = utl_Stat(path.c_str()).Found();
+    utl_MultisectionFile msf(path.c_str(), exists ? utl_FileAccessUpdate : utl_FileAccessWrite);
+    msf.setSectionData(section.c_str(), bytes.data(), static_cast<int>(bytes.size()));
+    msf.saveChanges();
+    return zulutil_Ok;
+}
+
+bool Verifies(const std::string& path)
+{
+    try {
+        utl_MultisectionFile msf(path.c_str(), utl_FileAccessRead);
+        return CheckSections(msf, false) == 0;
+    } catch (const nex_Exception&) {
+        return false;
+    }
+}
+
+// The save files "<container>.<pid>.tmp" beside the container.
+std::vector<std::string> SaveFilesBeside(const std::string& path)
+{
+    const size_t slash = path.find_last_of("/\\");
+    const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash + 1);
+    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
+    std::vector<std::string> found;
+    const cow_List<utl_FilePath> files = utl_DirObject(utl_FilePath(dir.c_str(), cow_String())).PrefixMatchFilenames((name + ".").c_str());
+    for (cow_ListIter<utl_FilePath> it(files); it.NotDone(); it.Next()) {
+        const std::string candidate = it.Current().FileName().c_str();
+        if (candidate.size() > name.size() + 5 && candidate.compare(0, name.size() + 1, name + ".") == 0 &&
+            candidate.compare(candidate.size() - 4, 4, ".tmp") == 0)
+            found.push_back(slash == std::string::npos ? candidate : dir + candidate);
+    }
+    return found;
+}
+
+int Recover(const std::string& path)
+{
+    if (path.empty())
+        return zulutil_UsageError("msf", "msf recover needs FILE");
+    if (Verifies(path)) {
+        std::printf("%s: verifies; nothing to recover\n", path.c_str());
+        return zulutil_Ok;
+    }
+    for (const std::string& save : SaveFilesBeside(path)) {
+        if (!Verifies(save))
+            continue;
+        zulutil_WriteAll(path, zulutil_ReadAll(save));
+        if (!Verifies(path))
+            break;
+        std::remove(save.c_str());
+        std::printf("%s: restored from %s\n", path.c_str(), save.c_str());
+        return zulutil_Ok;
+    }
+    std::printf("%s: does not verify and no complete save file was found; nothing changed\n", path.c_str());
+    return zulutil_CheckFailed;
+}
+
+}  // namespace
+
+int zulutil_Msf(const zulutil_Args& args)
+{
+    const std::string action = args.Positional(1);
+    const std::string path = args.Positional(2);
+    if (action == "list" || action == "verify") {
+        if (path.empty())
+            return zulutil_UsageError("msf", "msf " + action + " needs FILE");
+        return ListOrVerify(path, action == "list");
+    }
+    if (action == "get")
+        return Get(args);
+    if (action == "put")
+        return Put(args);
+    if (action == "recover")
+        return Recover(path);
+    return zulutil_UsageError("msf", action.empty() ? "msf needs an action" : "unknown msf action \"" + action + "\"");
+}
