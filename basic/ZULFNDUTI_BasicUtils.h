@@ -41,6 +41,8 @@
 #include "typ/typ_Initialize.h"
 #include "typ/typ_Module.h"
 #include "uti/uti_BasicUtils.h"
+#include "uti/uti_Coord3D.h"
+#include "uti/uti_CoordCont3D.h"
 #include "uti/uti_FileUtils.h"
 #include "uti/uti_Initialize.h"
 #include "utl/utl_Initialize.h"
