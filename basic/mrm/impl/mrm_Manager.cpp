@@ -11,6 +11,13 @@ namespace {
     failure.Throw(ZUL_SOURCE_NAME, line);
 }
 
+// For a pool pointer that is not ours: it may be dangling, so nothing of it is read.
+[[noreturn]] void ThrowUnknownPool(const char* what, int line)
+{
+    mrm_Exception failure(atr_translate("Memory manager: %1$s").Arg(what).Result());
+    failure.Throw(ZUL_SOURCE_NAME, line);
+}
+
 template <class T>
 int IndexOf(const cow_1DArrayList<T*>& list, const T* item)
 {
@@ -115,7 +122,7 @@ void mrm_Manager::ShutdownLargeBlockPool(mrm_LargeBlockPool* pool)
     if (!pool)
         return;
     if (!Holds(pool))
-        ThrowPoolError("not an active large-block pool", pool->GetLabel(), __LINE__);
+        ThrowUnknownPool("not an active large-block pool", __LINE__);
     for (int i = 0; i < m_pools.Count(); ++i)
         if (&m_pools[i]->ConstGetProvider() == pool)
             ThrowPoolError("the pool still provides for a small-block pool", pool->GetLabel(), __LINE__);
@@ -130,7 +137,7 @@ mrm_Pool* mrm_Manager::StartPool(const mrm_Label& label, mrm_LargeBlockPool& pro
                                  const mrm_SmallBlockCapacity& capacity)
 {
     if (!Holds(&provider))
-        ThrowPoolError("the provider is not an active large-block pool", provider.GetLabel(), __LINE__);
+        ThrowUnknownPool("the provider is not an active large-block pool", __LINE__);
     if (FindPool(label))
         ThrowPoolError("a small-block pool of this label is active", label, __LINE__);
     mrm_Pool* pool = new mrm_Pool(provider, label, capacity);
@@ -157,7 +164,7 @@ void mrm_Manager::ShutdownPool(mrm_Pool* pool)
         return;
     const int i = IndexOf(m_pools, pool);
     if (i < 0)
-        ThrowPoolError("not an active small-block pool", pool->ConstGetLabel(), __LINE__);
+        ThrowUnknownPool("not an active small-block pool", __LINE__);
     m_pools.Remove(i);
     delete pool;
 }
