@@ -1,0 +1,22 @@
+// mrm_Label: the name under which the memory manager keeps a pool.
+#ifndef MRM_LABEL_H
+#define MRM_LABEL_H
+
+#include "cow/cow_String.h"
+
+class mrm_Label {
+public:
+    mrm_Label() {}
+    mrm_Label(const char* name) : m_name(name) {}
+    mrm_Label(const cow_String& name) : m_name(name) {}
+
+    const cow_String& GetName() const { return m_name; }
+
+    bool operator==(const mrm_Label& o) const { return m_name == o.m_name; }
+    bool operator!=(const mrm_Label& o) const { return !(m_name == o.m_name); }
+
+private:
+    cow_String m_name;
+};
+
+#endif
