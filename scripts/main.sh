@@ -1,12 +1,11 @@
 #!/usr/bin/env bash
-# The main job: installs what is missing, builds the Linux target and runs it on the
-# bundled sample data.
+# The main job: installs what is missing, builds the Linux target and runs zulutil on the
+# bundled sample container: its listing, then a check of every section.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
 scripts/deps.sh
 cmake --preset linux >/dev/null
 cmake --build --preset linux
-# Until the command-line tool lands, the main job is the consumer example: a client program
-# built against an installed copy of the library that brings it up, uses it and takes it down.
-scripts/consumer.sh
+build/linux/bin/zulutil msf list examples/sample.msf
+build/linux/bin/zulutil msf verify examples/sample.msf

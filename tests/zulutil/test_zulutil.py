@@ -1,0 +1,197 @@
+"""End-to-end tests of the installed zulutil, run as a separate process.
+
+Usage: test_zulutil.py TOOL [--wine WINE]   (TOOL is the installed zulutil or zulutil.exe)
+"""
+import base64
+import hashlib
+import os
+import random
+import shutil
+import signal
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+import msf_format
+
+TOOL = None
+WINE = None
+
+
+def run(args, stdin=b"", cwd=None):
+    command = ([WINE] if WINE else []) + [TOOL] + args
+    p = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=cwd, timeout=300)
+    return p.returncode, p.stdout, p.stderr
+
+
+class ToolTest(unittest.TestCase):
+    def setUp(self):
+        self.dir = tempfile.mkdtemp(prefix="zulutil-e2e-")
+
+    def tearDown(self):
+        shutil.rmtree(self.dir, ignore_errors=True)
+
+    def path(self, name):
+        return os.path.join(self.dir, name)
+
+    def write(self, name, data):
+        with open(self.path(name), "wb") as f:
+            f.write(data)
+
+    def read(self, name):
+        with open(self.path(name), "rb") as f:
+            return f.read()
+
+    def tool(self, *args, stdin=b""):
+        return run(list(args), stdin=stdin, cwd=self.dir)
+
+
+class ContainerTest(ToolTest):
+    def test_put_list_verify_get_round_trip(self):
+        data = bytes(random.Random(1).getrandbits(8) for _ in range(70000))
+        self.write("data.bin", data)
+        self.assertEqual(self.tool("msf", "put", "c.msf", "binary", "data.bin")[0], 0)
+        self.assertEqual(self.tool("msf", "put", "c.msf", "text", stdin=b"hello\n")[0], 0)
+        self.assertEqual(self.tool("msf", "put", "c.msf", "empty", stdin=b"")[0], 0)
+        status, out, _ = self.tool("msf", "list", "c.msf")
+        self.assertEqual(status, 0)
+        lines = out.decode().splitlines()
+        self.assertIn("3 sections", lines[0])
+        self.assertEqual([l.split()[0] for l in lines[1:]], ["binary", "text", "empty"])
+        self.assertTrue(all(l.split()[-1] == "ok" for l in lines[1:]))
+        self.assertEqual(self.tool("msf", "verify", "c.msf")[0], 0)
+        self.assertEqual(self.tool("msf", "get", "c.msf", "binary")[1], data)
+        self.assertEqual(self.tool("msf", "get", "c.msf", "text", "-o", "t.out")[0], 0)
+        self.assertEqual(self.read("t.out"), b"hello\n")
+        # Replacing a section keeps the others.
+        self.assertEqual(self.tool("msf", "put", "c.msf", "text", stdin=b"again")[0], 0)
+        self.assertEqual(self.tool("msf", "get", "c.msf", "text")[1], b"again")
+        self.assertEqual(self.tool("msf", "get", "c.msf", "binary")[1], data)
+
+    def test_independent_writer_and_reader_agree_with_the_tool(self):
+        sections = [(b"alpha", b"A" * 100), (b"beta", bytes(range(256)) * 3), (b"nothing", b"")]
+        self.write("py.msf", msf_format.write(sections))
+        status, out, _ = self.tool("msf", "list", "py.msf")
+        self.assertEqual(status, 0)
+        for (name, data), line in zip(sections, out.decode().splitlines()[1:]):
+            fields = line.split()
+            self.assertEqual(fields[0], name.decode())
+            self.assertEqual(int(fields[1]), len(data))
+            self.assertEqual(int(fields[2], 16), msf_format.crc32_mpeg2(data))
+            self.assertEqual(self.tool("msf", "get", "py.msf", name.decode())[1], data)
+
+        self.tool("msf", "put", "tool.msf", "first", stdin=b"one")
+        self.tool("msf", "put", "tool.msf", "second", stdin=bytes(1000))
+        parsed = msf_format.read(self.read("tool.msf"))
+        self.assertEqual([(n, d) for n, d, _, _ in parsed], [(b"first", b"one"), (b"second", bytes(1000))])
+        self.assertTrue(all(ok for _, _, _, ok in parsed))
+
+    def test_corruption_gives_status_one_and_names_the_section(self):
+        self.write("c.msf", msf_format.write([(b"good", b"x" * 50), (b"bad", b"y" * 50)]))
+        blob = bytearray(self.read("c.msf"))
+        blob[-10] ^= 0xFF
+        self.write("c.msf", bytes(blob))
+        status, out, _ = self.tool("msf", "verify", "c.msf")
+        self.assertEqual(status, 1)
+        self.assertIn(b'"bad"', out)
+        self.assertNotIn(b'"good"', out)
+        status, out, _ = self.tool("msf", "list", "c.msf")
+        self.assertEqual(status, 1)
+        self.assertIn(b"CORRUPT", out)
+        # A truncated table is a failed check too; a file that is no container is an input error.
+        self.write("t.msf", self.read("c.msf")[:20])
+        self.assertEqual(self.tool("msf", "verify", "t.msf")[0], 1)
+        self.write("n.msf", b"not a container at all")
+        self.assertEqual(self.tool("msf", "verify", "n.msf")[0], 2)
+        self.assertEqual(self.tool("msf", "verify", "missing.msf")[0], 2)
+
+    def test_recover_from_a_complete_save_file(self):
+        good = msf_format.write([(b"s", b"payload" * 100)])
+        self.write("c.msf", good[:30])  # damaged container
+        self.write("c.msf.4242.tmp", good)  # the complete save file beside it
+        status, out, _ = self.tool("msf", "recover", "c.msf")
+        self.assertEqual(status, 0, out)
+        self.assertIn(b"restored", out)
+        self.assertEqual(self.read("c.msf"), good)
+        self.assertFalse(os.path.exists(self.path("c.msf.4242.tmp")))
+        # Nothing to do on a good container; nothing changes without a usable save file.
+        self.assertEqual(self.tool("msf", "recover", "c.msf")[0], 0)
+        self.write("d.msf", good[:30])
+        self.write("d.msf.7.tmp", good[:40])
+        self.assertEqual(self.tool("msf", "recover", "d.msf")[0], 1)
+        self.assertEqual(self.read("d.msf"), good[:30])
+
+    def test_killed_save_then_recover_gives_a_valid_container(self):
+        if WINE:
+            self.skipTest("SIGKILL of a Windows process under Wine is not a crash of the process alone")
+        sections = [(("s%02d" % i).encode(), bytes([i]) * (1 << 20)) for i in range(24)]
+        self.write("big.msf", msf_format.write(sections))
+        self.write("new.bin", b"N" * (8 << 20))
+        rng = random.Random(5)
+        for attempt in range(6):
+            p = subprocess.Popen([TOOL, "msf", "put", "big.msf", "s03", "new.bin"], cwd=self.dir,
+                                 stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+            time.sleep(rng.uniform(0.0, 0.4))
+            p.send_signal(signal.SIGKILL)
+            p.wait()
+            if os.path.exists(self.path("big.msf.lock")):
+                os.remove(self.path("big.msf.lock"))  # the killed writer's lock
+            if self.tool("msf", "verify", "big.msf")[0] != 0:
+                self.assertEqual(self.tool("msf", "recover", "big.msf")[0], 0)
+            self.assertEqual(self.tool("msf", "verify", "big.msf")[0], 0, "attempt %d" % attempt)
+            for name in os.listdir(self.dir):
+                if name.endswith(".tmp"):
+                    os.remove(self.path(name))
+
+
+class OtherCommandsTest(ToolTest):
+    def test_md5_matches_md5sum_and_hashlib(self):
+        self.write("a.txt", b"hello world\n")
+        self.write("b.bin", bytes(range(256)) * 1000)
+        self.write("empty", b"")
+        status, out, _ = self.tool("md5", "a.txt", "b.bin", "empty")
+        self.assertEqual(status, 0)
+        expected = "".join("%s  %s\n" % (hashlib.md5(self.read(n)).hexdigest(), n) for n in ["a.txt", "b.bin", "empty"])
+        self.assertEqual(out.decode(), expected)
+        if shutil.which("md5sum"):
+            ref = subprocess.run(["md5sum", "a.txt", "b.bin", "empty"], cwd=self.dir, stdout=subprocess.PIPE).stdout
+            self.assertEqual(out, ref)
+        self.assertEqual(self.tool("md5", stdin=b"abc")[1].decode(), hashlib.md5(b"abc").hexdigest() + "  -\n")
+
+    def test_crc_is_the_container_checksum(self):
+        self.write("n.txt", b"123456789")
+        self.assertEqual(self.tool("crc", "n.txt")[1], b"0376e6e7  n.txt\n")
+
+    def test_ciphers_round_trip_and_need_a_key_file(self):
+        data = bytes(random.Random(3).getrandbits(8) for _ in range(1001))
+        self.write("plain", data)
+        self.write("key", b"correct horse\n")
+        for cipher in ["blowfish", "rotor"]:
+            status, enc, _ = self.tool("encrypt", "-cipher", cipher, "-keyfile", "key", "plain")
+            self.assertEqual(status, 0)
+            self.assertNotEqual(enc, data)
+            status, dec, _ = self.tool("decrypt", "-cipher", cipher, "-keyfile", "key", stdin=enc)
+            self.assertEqual((status, dec), (0, data))
+        self.assertEqual(self.tool("encrypt", "-cipher", "rotor", "plain")[0], 2)
+        self.assertEqual(self.tool("encrypt", "-cipher", "des", "-keyfile", "key", "plain")[0], 2)
+
+    def test_bad_arguments_give_status_two_and_usage(self):
+        for args in [[], ["bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:
+            status, _, err = self.tool(*args)
+            self.assertEqual(status, 2, args)
+            self.assertIn(b"usage", err)
+        status, out, _ = self.tool("help", "msf")
+        self.assertEqual(status, 0)
+        self.assertIn(b"zulutil msf list FILE", out)
+        self.assertEqual(self.tool("-h")[0], 0)
+
+
+if __name__ == "__main__":
+    TOOL = os.path.abspath(sys.argv[1])
+    args = sys.argv[2:]
+    if args[:1] == ["--wine"]:
+        WINE = args[1]
+        args = args[2:]
+    unittest.main(argv=[sys.argv[0]] + args, verbosity=2)
