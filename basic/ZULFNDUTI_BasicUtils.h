@@ -43,6 +43,8 @@
 #include "uti/uti_BasicUtils.h"
 #include "uti/uti_FileUtils.h"
 #include "uti/uti_Initialize.h"
+#include "uti/uti_Redirection.h"
+#include "uti/uti_Spawn.h"
 #include "utl/utl_Initialize.h"
 #include "cow/cow_1DArray.h"
 #include "cow/cow_1DArrayList.h"

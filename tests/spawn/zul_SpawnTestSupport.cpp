@@ -1,0 +1,86 @@
+#include "zul_SpawnTestSupport.h"
+
+#include <cstdlib>
+#include <fcntl.h>
+
+#if defined(_WIN32)
+#include <io.h>
+#include <windows.h>
+#else
+#include <dirent.h>
+#include <limits.h>
+#include <unistd.h>
+#endif
+
+namespace zul_test {
+
+std::string ChildPath()
+{
+#if defined(_WIN32)
+    char self[MAX_PATH + 1];
+    const DWORD n = GetModuleFileNameA(nullptr, self, MAX_PATH);
+    std::string path(self, n);
+    return path.substr(0, path.find_last_of("\\/") + 1) + "zul_child.exe";
+#else
+    char self[PATH_MAX + 1];
+    const ssize_t n = readlink("/proc/self/exe", self, PATH_MAX);
+    std::string path(self, n > 0 ? static_cast<size_t>(n) : 0);
+    return path.substr(0, path.find_last_of('/') + 1) + "zul_child";
+#endif
+}
+
+int OpenForReading(const std::string& path)
+{
+#if defined(_WIN32)
+    return _open(path.c_str(), _O_RDONLY | _O_BINARY);
+#else
+    return open(path.c_str(), O_RDONLY);
+#endif
+}
+
+int OpenForWriting(const std::string& path)
+{
+#if defined(_WIN32)
+    return _open(path.c_str(), _O_WRONLY | _O_CREAT | _O_TRUNC | _O_BINARY, 0666);
+#else
+    return open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0666);
+#endif
+}
+
+int OpenDescriptorCount()
+{
+#if defined(_WIN32)
+    return -1;
+#else
+    DIR* dir = opendir("/proc/self/fd");
+    if (!dir)
+        return -1;
+    int n = 0;
+    while (readdir(dir))
+        ++n;
+    closedir(dir);
+    return n;
+#endif
+}
+
+cow_1DArrayList<cow_String> Arguments(const std::vector<std::string>& texts)
+{
+    cow_1DArrayList<cow_String> list;
+    for (const std::string& t : texts)
+        list.Append(cow_String(t.c_str()));
+    return list;
+}
+
+void SetEnvironment(const char* name, const char* value)
+{
+#if defined(_WIN32)
+    _putenv_s(name, value ? value : "");
+#else
+    if (value)
+        setenv(name, value, 1);
+    else
+        unsetenv(name);
+#endif
+}
+
+}  // namespace zul_test
