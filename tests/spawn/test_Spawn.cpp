@@ -9,6 +9,7 @@
 #include <sys/stat.h>
 #endif
 
+#include "typ/typ_DebugFlags.h"
 #include "uti/uti_Spawn.h"
 #include "zul_SpawnTestSupport.h"
 #include "zul_TestSupport.h"
@@ -195,6 +196,31 @@ TEST(UtiSpawn, WaitForAnyAndAll)
     EXPECT_EQ(uti_Spawn::waitForAll(onlySleeper, 1, 0), 0);
     EXPECT_EQ(uti_Spawn::waitForAll(waiting, 2, 5), 0);
     EXPECT_EQ(uti_Spawn::waitForAny(pair, 0), nullptr);
+}
+
+TEST(UtiSpawn, TraceWithDebugFlag)
+{
+    zul_test::TempDir dir;
+    uti_Spawn::Environment env;
+    env.Insert("ZUL_TRACED", "yes");
+    const std::string child = ChildPath();
+    {
+        zul_test::StdoutCapture capture(dir.File("trace"));
+        typ_DebugFlags::SetDebugFlags("uti", 3);
+        uti_Redirection redirection(-1, -1, 1);
+        uti_Spawn spawn;
+        spawn.Start(child.c_str(), Arguments({"exit", "two words"}), redirection, env);
+        uti_Spawn* all[] = {&spawn};
+        uti_Spawn::waitForAll(all, 1, 0);
+        typ_DebugFlags::SetDebugFlags("uti", 0);
+    }
+    const std::string trace = zul_test::ReadFileBytes(dir.File("trace"));
+    const std::string line = uti_Spawn::BuildCommandLine(child.c_str(), Arguments({"exit", "two words"})).c_str();
+    EXPECT_NE(trace.find("uti_Spawn - spawning: " + line + "\n"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("              argument 1: two words\n"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("              env: ZUL_TRACED=yes\n"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("uti_Spawn: redirecting standard handle 2"), std::string::npos) << trace;
+    EXPECT_NE(trace.find("uti_Spawn::waitForAll reaped process #0"), std::string::npos) << trace;
 }
 
 TEST(UtiSpawn, CommandLookup)

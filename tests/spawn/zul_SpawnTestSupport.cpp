@@ -1,5 +1,6 @@
 #include "zul_SpawnTestSupport.h"
 
+#include <cstdio>
 #include <cstdlib>
 #include <fcntl.h>
 
@@ -81,6 +82,40 @@ void SetEnvironment(const char* name, const char* value)
     else
         unsetenv(name);
 #endif
+}
+
+#if defined(_WIN32)
+#define zul_dup _dup
+#define zul_dup2 _dup2
+#define zul_close _close
+#else
+#define zul_dup dup
+#define zul_dup2 dup2
+#define zul_close close
+#endif
+
+StdoutCapture::StdoutCapture(const std::string& path)
+{
+    std::fflush(stdout);
+    m_saved = zul_dup(1);
+    const int fd = OpenForWriting(path);
+    zul_dup2(fd, 1);
+    zul_close(fd);
+}
+
+StdoutCapture::~StdoutCapture()
+{
+    Stop();
+}
+
+void StdoutCapture::Stop()
+{
+    if (m_saved < 0)
+        return;
+    std::fflush(stdout);
+    zul_dup2(m_saved, 1);
+    zul_close(m_saved);
+    m_saved = -1;
 }
 
 }  // namespace zul_test

@@ -21,6 +21,19 @@ cow_1DArrayList<cow_String> Arguments(const std::vector<std::string>& texts);
 // Sets or removes an environment variable of this process.
 void SetEnvironment(const char* name, const char* value);
 
+// Sends this process's standard output to a file until Stop (or destruction).
+class StdoutCapture {
+public:
+    explicit StdoutCapture(const std::string& path);
+    ~StdoutCapture();
+    StdoutCapture(const StdoutCapture&) = delete;
+    StdoutCapture& operator=(const StdoutCapture&) = delete;
+    void Stop();
+
+private:
+    int m_saved;
+};
+
 }  // namespace zul_test
 
 #endif
