@@ -2,6 +2,7 @@
 // and input, writes to its error stream, sleeps and exits with given statuses.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 #include <vector>
 

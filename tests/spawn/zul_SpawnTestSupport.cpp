@@ -72,18 +72,6 @@ cow_1DArrayList<cow_String> Arguments(const std::vector<std::string>& texts)
     return list;
 }
 
-void SetEnvironment(const char* name, const char* value)
-{
-#if defined(_WIN32)
-    _putenv_s(name, value ? value : "");
-#else
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-#endif
-}
-
 #if defined(_WIN32)
 #define zul_dup _dup
 #define zul_dup2 _dup2

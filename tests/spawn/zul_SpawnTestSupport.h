@@ -18,8 +18,6 @@ int OpenForWriting(const std::string& path);
 // The number of descriptors open in this process (Linux only; -1 elsewhere).
 int OpenDescriptorCount();
 cow_1DArrayList<cow_String> Arguments(const std::vector<std::string>& texts);
-// Sets or removes an environment variable of this process.
-void SetEnvironment(const char* name, const char* value);
 
 // Sends this process's standard output to a file until Stop (or destruction).
 class StdoutCapture {
