@@ -32,6 +32,8 @@ private:
 std::string ReadFileBytes(const std::string& path);
 // Writes bytes to a file, replacing it; throws std::runtime_error on failure.
 void WriteFileBytes(const std::string& path, const std::string& bytes);
+// Sets an environment variable of this process; a null value removes it.
+void SetEnvironment(const char* name, const char* value);
 
 // A named write to a container, for the failure sweeps below.
 template <class C>

@@ -9,22 +9,12 @@
 
 namespace {
 
-void SetEnv(const char* name, const char* value)
-{
-#if defined(_WIN32)
-    _putenv_s(name, value ? value : "");
-#else
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-#endif
-}
+using zul_test::SetEnvironment;
 
 TEST(UtlFilePath, WindowsFormExpansion)
 {
-    SetEnv("ZUL_T_DIR", "base");
-    SetEnv("ZUL_T_UNSET", nullptr);
+    SetEnvironment("ZUL_T_DIR", "base");
+    SetEnvironment("ZUL_T_UNSET", nullptr);
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("%ZUL_T_DIR%\\a.txt"), "base\\a.txt");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("%ZUL_T_UNSET%\\a.txt"), "%ZUL_T_UNSET%\\a.txt");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("%ZUL_T_UNSET%%ZUL_T_DIR%"), "%ZUL_T_UNSET%base")
@@ -34,21 +24,21 @@ TEST(UtlFilePath, WindowsFormExpansion)
 
 TEST(UtlFilePath, UnixFormExpansion)
 {
-    SetEnv("ZULTHOME", "/home/me");
+    SetEnvironment("ZULTHOME", "/home/me");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("$ZULTHOME/x"), "/home/me/x");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("$1x"), "$1x");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("a$"), "a$");
-    SetEnv("ZULTNOPE", nullptr);
+    SetEnvironment("ZULTNOPE", nullptr);
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("$ZULTNOPE/y"), "$ZULTNOPE/y");
 }
 
 TEST(UtlFilePath, SelfReferenceStopsExpanding)
 {
-    SetEnv("ZULTLOOP", "$ZULTLOOP.");
+    SetEnvironment("ZULTLOOP", "$ZULTLOOP.");
     const cow_String out = utl_FilePath::ExpandEnvironment("$ZULTLOOP");
     EXPECT_TRUE(out.StartsWith("$ZULTLOOP"));
     EXPECT_EQ(out.Length(), 9 + utl_FilePath::MaxExpansions);
-    SetEnv("ZUL_T_LOOP", "%ZUL_T_LOOP%");
+    SetEnvironment("ZUL_T_LOOP", "%ZUL_T_LOOP%");
     EXPECT_EQ(utl_FilePath::ExpandEnvironment("%ZUL_T_LOOP%"), "%ZUL_T_LOOP%");
 }
 

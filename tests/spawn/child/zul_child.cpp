@@ -1,0 +1,84 @@
+// The child program of the spawn tests. The first argument picks what it does:
+//   args           prints each further argument as "<length>:<text>" on a line of its own
+//   env NAME...    prints "NAME=value" or "NAME unset" for each name
+//   environ        prints its whole environment, one entry per line, in table order
+//   cat            copies its standard input to its standard output
+//   mixed          writes "out1", then "err" to the error stream, then "out2", flushing each
+//   exit N         ends with status N
+//   sleep MS       sleeps, then ends with status 0
+//   lock PATH OP   opens PATH for reading and writing and calls utl_flock with OP; ends with 0 when
+//                  the lock was granted, 1 when refused
+// Without arguments it ends with status 7.
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <fcntl.h>
+#include <thread>
+
+#if defined(_WIN32)
+#include <io.h>
+#define zul_open _open
+#define zul_environ _environ
+#else
+#include <unistd.h>
+#define zul_open open
+extern char** environ;
+#define zul_environ environ
+#endif
+
+#include "uti/uti_BasicUtils.h"
+#include "utl/utl_FileLock.h"
+
+int main(int argc, char** argv)
+{
+#if defined(_WIN32)
+    _setmode(_fileno(stdin), _O_BINARY);
+    _setmode(_fileno(stdout), _O_BINARY);
+    _setmode(_fileno(stderr), _O_BINARY);
+#endif
+    if (argc < 2)
+        return 7;
+    const char* mode = argv[1];
+    if (!std::strcmp(mode, "args")) {
+        for (int i = 2; i < argc; ++i)
+            std::printf("%d:%s\n", static_cast<int>(std::strlen(argv[i])), argv[i]);
+    } else if (!std::strcmp(mode, "env")) {
+        for (int i = 2; i < argc; ++i) {
+            const char* value = std::getenv(argv[i]);
+            if (value)
+                std::printf("%s=%s\n", argv[i], value);
+            else
+                std::printf("%s unset\n", argv[i]);
+        }
+    } else if (!std::strcmp(mode, "environ")) {
+        for (char** e = zul_environ; e && *e; ++e)
+            std::printf("%s\n", *e);
+    } else if (!std::strcmp(mode, "cat")) {
+        char buffer[4096];
+        size_t n;
+        while ((n = std::fread(buffer, 1, sizeof(buffer), stdin)) > 0)
+            std::fwrite(buffer, 1, n, stdout);
+    } else if (!std::strcmp(mode, "mixed")) {
+        std::fputs("out1\n", stdout);
+        std::fflush(stdout);
+        std::fputs("err\n", stderr);
+        std::fflush(stderr);
+        std::fputs("out2\n", stdout);
+    } else if (!std::strcmp(mode, "exit") && argc > 2) {
+        return std::atoi(argv[2]);
+    } else if (!std::strcmp(mode, "sleep") && argc > 2) {
+        std::this_thread::sleep_for(std::chrono::milliseconds(std::atoi(argv[2])));
+    } else if (!std::strcmp(mode, "lock") && argc > 3) {
+        int count = 0;
+        UTI_BasicUtils_initialize(count);
+        const int fd = zul_open(argv[2], O_RDWR);
+        const int rc = fd < 0 ? -1 : utl_flock(fd, std::atoi(argv[3]));
+        UTI_BasicUtils_finalize(count);
+        return rc == 0 ? 0 : 1;
+    } else {
+        return 99;
+    }
+    std::fflush(stdout);
+    return 0;
+}
