@@ -177,6 +177,30 @@ class OtherCommandsTest(ToolTest):
         self.assertEqual(self.tool("encrypt", "-cipher", "rotor", "plain")[0], 2)
         self.assertEqual(self.tool("encrypt", "-cipher", "des", "-keyfile", "key", "plain")[0], 2)
 
+    def test_base64_is_standard_base64_with_bang_for_slash(self):
+        data = bytes(random.Random(9).getrandbits(8) for _ in range(1000)) + bytes([0xFB, 0xFF, 0xFF])
+        self.write("d.bin", data)
+        for flags in [[], ["-wrap"]]:
+            status, text, _ = self.tool("base64", *flags, "d.bin")
+            self.assertEqual(status, 0)
+            self.assertNotIn(b"/", text)
+            self.assertEqual(base64.b64decode(text.replace(b"!", b"/")), data)
+            if flags:
+                self.assertTrue(all(len(line) <= 76 for line in text.splitlines()))
+            status, back, _ = self.tool("base64", "-d", *flags, stdin=text)
+            self.assertEqual((status, back), (0, data))
+        status, _, err = self.tool("base64", "-d", stdin=b"ab/d")
+        self.assertEqual(status, 2)
+        self.assertIn(b"base64", err)
+
+    def test_host_reports_the_platform_and_processors(self):
+        status, out, _ = self.tool("host")
+        self.assertEqual(status, 0)
+        facts = dict(line.split(None, 1) for line in out.decode().splitlines() if " " in line)
+        self.assertEqual(facts["platform"].strip(), "win86_64" if WINE else "lnx86_64")
+        self.assertGreaterEqual(int(facts["processors"]), 1)
+        self.assertIn(facts["sse3"].strip(), ["yes", "no"])
+
     def test_bad_arguments_give_status_two_and_usage(self):
         for args in [[], ["bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:
             status, _, err = self.tool(*args)

@@ -32,11 +32,16 @@ const Command kCommands[] = {
      &zulutil_Msf},
     {"md5", "zulutil md5 [FILE...]                    MD5 digests, in md5sum's format\n", &zulutil_Md5},
     {"crc", "zulutil crc [FILE...]                    the container checksum of each file, in hex\n", &zulutil_Crc},
+    {"base64",
+     "zulutil base64 [-d] [-wrap] [FILE]       base64 with the library's alphabet (\"!\" for \"/\");\n"
+     "                                         -wrap breaks lines at 76 characters, -d decodes\n",
+     &zulutil_Base64},
     {"encrypt",
      "zulutil encrypt -cipher blowfish|rotor -keyfile KEYFILE [FILE]\n"
      "                                         the key is read from KEYFILE, never the command line\n",
      &RunEncrypt},
     {"decrypt", "zulutil decrypt -cipher blowfish|rotor -keyfile KEYFILE [FILE]\n", &RunDecrypt},
+    {"host", "zulutil host                             date, time, host, user, platform and processor\n", &zulutil_Host},
     {"help", "zulutil help [COMMAND]                   usage of one command or of all\n", &RunHelp},
 };
 
