@@ -29,9 +29,13 @@
 #include "utl/utl_File.h"
 #include "zul_BasicExport.h"
 
-// CRC-32/MPEG-2 of a buffer, continuing from crc (start with 0xFFFFFFFF). The table is built at
-// compile time, so the first use in a process cannot race.
+// CRC-32/MPEG-2 of a buffer, continuing from crc (start with 0xFFFFFFFF). On processors with
+// carry-less multiplication long buffers are folded 64 bytes at a time; elsewhere, and for
+// short pieces, sixteen-byte table steps are used. Both give the byte-at-a-time result. The
+// tables are built at compile time, so the first use in a process cannot race.
 ZUL_BASIC_API uint32_t utl_MultisectionCrc(const void* data, size_t length, uint32_t crc = 0xFFFFFFFFu);
+// The same checksum by table steps only, whatever the processor offers.
+ZUL_BASIC_API uint32_t utl_MultisectionCrcTable(const void* data, size_t length, uint32_t crc = 0xFFFFFFFFu);
 
 class ZUL_BASIC_API utl_MultisectionFile {
 public:

@@ -193,8 +193,8 @@ TEST(UtlMultisectionFile, SaveLeavesNoTemporaryFile)
 
 namespace {
 
-// The sixteen-byte folding must agree with the byte-at-a-time definition at every length and
-// alignment.
+// The table steps and the carry-less folding must agree with the byte-at-a-time definition at
+// every length (around the folding's 16- and 64-byte steps), alignment and starting value.
 TEST(UtlMultisectionCrc, FoldingMatchesTheBytewiseDefinition)
 {
     auto bytewise = [](const unsigned char* p, size_t n) {
@@ -206,15 +206,22 @@ TEST(UtlMultisectionCrc, FoldingMatchesTheBytewiseDefinition)
         }
         return crc;
     };
-    std::vector<unsigned char> data(300);
+    std::vector<unsigned char> data(1100);
     uint32_t seed = 12345;
     for (unsigned char& c : data) {
         seed = seed * 1103515245u + 12345u;
         c = static_cast<unsigned char>(seed >> 16);
     }
-    for (size_t start = 0; start < 8; ++start)
-        for (size_t n = 0; n + start <= data.size(); n += 7)
-            ASSERT_EQ(utl_MultisectionCrc(data.data() + start, n), bytewise(data.data() + start, n)) << start << "/" << n;
+    for (size_t start = 0; start < 8; ++start) {
+        for (size_t n = 0; n + start <= data.size(); n += (n < 300 ? 1 : 13)) {
+            const uint32_t expected = bytewise(data.data() + start, n);
+            ASSERT_EQ(utl_MultisectionCrc(data.data() + start, n), expected) << start << "/" << n;
+            ASSERT_EQ(utl_MultisectionCrcTable(data.data() + start, n), expected) << start << "/" << n;
+        }
+    }
+    // Continuing from a running value: a long piece after a short one.
+    const uint32_t head = utl_MultisectionCrc(data.data(), 5);
+    EXPECT_EQ(utl_MultisectionCrc(data.data() + 5, 900, head), bytewise(data.data(), 905));
 }
 
 }  // namespace

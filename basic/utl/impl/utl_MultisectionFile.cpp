@@ -1,6 +1,5 @@
 #include "utl/utl_MultisectionFile.h"
 
-#include <array>
 #include <cstring>
 
 #include "atr/atr_translate.h"
@@ -13,33 +12,6 @@ const unsigned char kMagic[4] = {0x28, 0xC1, 0x1D, 0xAF};
 const int32_t kVersion = 1;
 const int kLockAttempts = 10;
 const int kLockPauseMs = 10;
-
-// Tables for CRC-32/MPEG-2 (polynomial 0x04C11DB7, most significant bit first). Table k holds the
-// CRC contribution of a byte followed by k zero bytes, so sixteen bytes can be folded in one
-// step with the same result as the byte-at-a-time definition. Built at compile time.
-typedef std::array<std::array<uint32_t, 256>, 16> CrcTables;
-
-constexpr CrcTables MakeCrcTables()
-{
-    CrcTables t{};
-    for (uint32_t b = 0; b < 256; ++b) {
-        uint32_t v = b << 24;
-        for (int bit = 0; bit < 8; ++bit)
-            v = (v & 0x80000000u) ? (v << 1) ^ 0x04C11DB7u : (v << 1);
-        t[0][b] = v;
-    }
-    for (int k = 1; k < 16; ++k)
-        for (uint32_t b = 0; b < 256; ++b)
-            t[k][b] = (t[k - 1][b] << 8) ^ t[0][t[k - 1][b] >> 24];
-    return t;
-}
-
-constexpr CrcTables kCrc = MakeCrcTables();
-
-inline uint32_t LoadBigEndian(const unsigned char* p)
-{
-    return (uint32_t(p[0]) << 24) | (uint32_t(p[1]) << 16) | (uint32_t(p[2]) << 8) | uint32_t(p[3]);
-}
 
 // Deletes the temporary save file when the save ends, however it ends.
 class FileRemover {
@@ -68,24 +40,6 @@ void WriteInt(utl_File& file, int32_t v)
 }
 
 }  // namespace
-
-uint32_t utl_MultisectionCrc(const void* data, size_t length, uint32_t crc)
-{
-    const unsigned char* p = static_cast<const unsigned char*>(data);
-    for (; length >= 16; p += 16, length -= 16) {
-        const uint32_t a = crc ^ LoadBigEndian(p);
-        const uint32_t b = LoadBigEndian(p + 4);
-        const uint32_t c = LoadBigEndian(p + 8);
-        const uint32_t d = LoadBigEndian(p + 12);
-        crc = kCrc[15][a >> 24] ^ kCrc[14][(a >> 16) & 0xFFu] ^ kCrc[13][(a >> 8) & 0xFFu] ^ kCrc[12][a & 0xFFu] ^
-              kCrc[11][b >> 24] ^ kCrc[10][(b >> 16) & 0xFFu] ^ kCrc[9][(b >> 8) & 0xFFu] ^ kCrc[8][b & 0xFFu] ^
-              kCrc[7][c >> 24] ^ kCrc[6][(c >> 16) & 0xFFu] ^ kCrc[5][(c >> 8) & 0xFFu] ^ kCrc[4][c & 0xFFu] ^
-              kCrc[3][d >> 24] ^ kCrc[2][(d >> 16) & 0xFFu] ^ kCrc[1][(d >> 8) & 0xFFu] ^ kCrc[0][d & 0xFFu];
-    }
-    for (; length > 0; ++p, --length)
-        crc = kCrc[0][((crc >> 24) ^ *p) & 0xFFu] ^ (crc << 8);
-    return crc;
-}
 
 utl_MultisectionFile::utl_MultisectionFile(const cow_String& path, utl_FileAccess mode)
     : m_file(path, mode), m_path(path), m_lockHeld(false), m_lockPath(path)
