@@ -8,11 +8,17 @@
 //   sleep MS       sleeps, then ends with status 0
 //   lock PATH OP   opens PATH for reading and writing and calls utl_flock with OP; ends with 0 when
 //                  the lock was granted, 1 when refused
+//   msf-write PATH LETTER SECTIONS BYTES
+//                  rewrites the container PATH (opened for update) with SECTIONS sections of
+//                  BYTES copies of LETTER each, and saves
+//   msf-hold PATH  opens the container PATH for update (taking its lock), prints "ready" and
+//                  waits until it is killed
 // Without arguments it ends with status 7.
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <string>
 #include <fcntl.h>
 #include <thread>
 
@@ -29,6 +35,7 @@ extern char** environ;
 
 #include "uti/uti_BasicUtils.h"
 #include "utl/utl_FileLock.h"
+#include "utl/utl_MultisectionFile.h"
 
 int main(int argc, char** argv)
 {
@@ -76,6 +83,26 @@ int main(int argc, char** argv)
         const int rc = fd < 0 ? -1 : utl_flock(fd, std::atoi(argv[3]));
         UTI_BasicUtils_finalize(count);
         return rc == 0 ? 0 : 1;
+    } else if (!std::strcmp(mode, "msf-write") && argc > 5) {
+        int count = 0;
+        UTI_BasicUtils_initialize(count);
+        {
+            utl_MultisectionFile f(argv[2], utl_FileAccessUpdate);
+            const int sections = std::atoi(argv[4]);
+            const std::string data(static_cast<size_t>(std::atoi(argv[5])), argv[3][0]);
+            for (int i = 0; i < sections; ++i)
+                f.setSectionData(("section" + std::to_string(i)).c_str(), data.data(), static_cast<int>(data.size()));
+            f.saveChanges();
+        }
+        UTI_BasicUtils_finalize(count);
+    } else if (!std::strcmp(mode, "msf-hold") && argc > 2) {
+        int count = 0;
+        UTI_BasicUtils_initialize(count);
+        utl_MultisectionFile f(argv[2], utl_FileAccessUpdate);
+        std::puts("ready");
+        std::fflush(stdout);
+        for (;;)
+            std::this_thread::sleep_for(std::chrono::seconds(1));
     } else {
         return 99;
     }
