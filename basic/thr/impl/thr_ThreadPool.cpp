@@ -106,7 +106,12 @@ thr_ThreadPool::~thr_ThreadPool()
     bool waitedForAll = true;
     const bool failed = ErrorCondition();
     for (int i = 0; i < count; ++i) {
-        if (failed || t.keepGoing[i]) {
+        bool keepGoing;
+        {
+            thr_MutexGuard guard(t.slotMutex[i]);
+            keepGoing = t.keepGoing[i] != 0;
+        }
+        if (failed || keepGoing) {
             waitedForAll = false;
             t.signal[i].Signal();  // an idle worker sees the pool closing and leaves
             continue;
