@@ -70,6 +70,11 @@ void utl_MultisectionFile::ReleaseAll()
         s.newData = nullptr;
     }
     if (m_lockHeld) {
+        // The next writer may open the container as soon as the lock is gone: close it first.
+        try {
+            m_file.Close();
+        } catch (const nex_Exception&) {
+        }
         utl_LockFile::Remove(m_lockPath);
         m_lockHeld = false;
     }
