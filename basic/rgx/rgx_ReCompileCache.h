@@ -28,7 +28,9 @@ struct pcre2_real_match_data_8;
 // One compiled pattern, owned: the engine's code is freed with the object.
 class ZUL_BASIC_API rgx_CompiledRe {
 public:
-    rgx_CompiledRe(pcre2_real_code_8* code, bool jit) : m_code(code), m_jit(jit) {}
+    // `jit`: the JIT compiled the pattern. `direct`: matches may call the JIT code directly,
+    // skipping the engine's subject checks (only for patterns that do not read UTF-8).
+    rgx_CompiledRe(pcre2_real_code_8* code, bool jit, bool direct) : m_code(code), m_jit(jit), m_direct(direct) {}
     ~rgx_CompiledRe();
     rgx_CompiledRe(const rgx_CompiledRe&) = delete;
     rgx_CompiledRe& operator=(const rgx_CompiledRe&) = delete;
@@ -36,10 +38,12 @@ public:
     pcre2_real_code_8* Code() const { return m_code; }
     // Whether the engine's JIT compiled the pattern.
     bool IsJit() const { return m_jit; }
+    bool IsDirect() const { return m_direct; }
 
 private:
     pcre2_real_code_8* m_code;
     bool m_jit;
+    bool m_direct;
 };
 
 class ZUL_BASIC_API rgx_ReCompileCache {

@@ -46,8 +46,8 @@ public:
     int Index() const { return m_pair; }
 
     // Offsets of pair n (-1 for a group that took no part or a pair past Count()).
-    int Start(int n) const;
-    int End(int n) const;
+    int Start(int n) const { return n >= 0 && n < m_count ? m_offsets[2 * n] : -1; }
+    int End(int n) const { return n >= 0 && n < m_count ? m_offsets[2 * n + 1] : -1; }
 
     // The current pair's text: empty unless it has start >= 0 and end > start.
     cow_String String() const;

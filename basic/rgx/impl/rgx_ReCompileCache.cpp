@@ -7,6 +7,13 @@
 #include "nex/nex_Exception.h"
 #include "thr/thr_ThreadSingleton.h"
 
+namespace {
+// The calling thread's cache once looked up: every match asks for it, and the per-thread
+// singleton registry takes several calls to answer. Cleared by the cache's destructor, which
+// always runs on the cache's own thread (module tear-down or the thread's exit).
+thread_local rgx_ReCompileCache* t_current = nullptr;
+}  // namespace
+
 rgx_CompiledRe::~rgx_CompiledRe() { pcre2_code_free(m_code); }
 
 rgx_ReCompileCache::rgx_ReCompileCache()
@@ -16,14 +23,30 @@ rgx_ReCompileCache::rgx_ReCompileCache()
         mem_ThrowOutOfMemory(sizeof(PCRE2_SIZE) * 2 * 10);
 }
 
-rgx_ReCompileCache::~rgx_ReCompileCache() { pcre2_match_data_free(m_matchData); }
+rgx_ReCompileCache::~rgx_ReCompileCache()
+{
+    if (t_current == this)
+        t_current = nullptr;
+    pcre2_match_data_free(m_matchData);
+}
 
-rgx_ReCompileCache& rgx_ReCompileCache::Instance() { return thr_ThreadSingleton<rgx_ReCompileCache>::Instance(); }
+rgx_ReCompileCache& rgx_ReCompileCache::Instance()
+{
+    if (!t_current)
+        t_current = &thr_ThreadSingleton<rgx_ReCompileCache>::Instance();
+    return *t_current;
+}
 
 rgx_ReCompileCache::Holder rgx_ReCompileCache::Lookup(const cow_String& pattern)
 {
-    if (m_lastCompiled.GetPtr() && (pattern.SharesWith(m_lastPattern) || pattern == m_lastPattern))
-        return m_lastCompiled;
+    if (m_lastCompiled.GetPtr()) {
+        if (pattern.SharesWith(m_lastPattern))
+            return m_lastCompiled;
+        if (pattern == m_lastPattern) {
+            m_lastPattern = pattern;  // the caller's copy: its next lookup needs no comparison
+            return m_lastCompiled;
+        }
+    }
     Holder found = m_map.IsMember(pattern) ? m_map.ConstGet(pattern) : Compile(pattern);
     m_lastPattern = pattern;
     m_lastCompiled = found;
@@ -49,7 +72,10 @@ rgx_ReCompileCache::Holder rgx_ReCompileCache::Compile(const cow_String& pattern
     // A pattern the JIT cannot take (or a system that refuses executable memory) is still run by
     // the interpreter, with the same results.
     const bool jit = m_jit && JitAvailable() && pcre2_jit_compile(code, PCRE2_JIT_COMPLETE) == 0;
-    Holder compiled(cow_New<rgx_CompiledRe>(code, jit));
+    // The engine's subject checks matter only for UTF-8 (a pattern may switch it on itself).
+    uint32_t options = 0;
+    pcre2_pattern_info(code, PCRE2_INFO_ALLOPTIONS, &options);
+    Holder compiled(cow_New<rgx_CompiledRe>(code, jit, jit && (options & PCRE2_UTF) == 0));
     ++m_compilations;
     if (m_map.Count() >= kCapacity)
         Evict();

@@ -19,8 +19,10 @@ typedef rgx_ReCompileCache::Holder Holder;
 // A full vector (the engine's 0) counts as all ten pairs: later groups are not reported.
 int Exec(const Holder& re, pcre2_match_data* data, const char* text, int length, int from, int32_t* offsets)
 {
-    const int rc = pcre2_match(re.GetRef().Code(), reinterpret_cast<PCRE2_SPTR>(text), static_cast<PCRE2_SIZE>(length),
-                               static_cast<PCRE2_SIZE>(from), 0, data, nullptr);
+    const rgx_CompiledRe& compiled = re.GetRef();
+    const int rc = (compiled.IsDirect() ? pcre2_jit_match : pcre2_match)(
+        compiled.Code(), reinterpret_cast<PCRE2_SPTR>(text), static_cast<PCRE2_SIZE>(length),
+        static_cast<PCRE2_SIZE>(from), 0, data, nullptr);
     if (rc == PCRE2_ERROR_NOMATCH)
         return 0;
     if (rc < 0) {
@@ -77,15 +79,15 @@ rgx_ReIterator::rgx_ReIterator() : m_pair(0), m_count(0), m_matched(0)
 }
 
 rgx_ReIterator::rgx_ReIterator(const cow_String& subject, const int32_t* offsets, int count)
-    : m_subject(subject), m_pair(0), m_count(count < 0 ? 0 : (count > kMaxPairs ? kMaxPairs : count)), m_matched(1)
+    : m_pair(0), m_count(count < 0 ? 0 : (count > kMaxPairs ? kMaxPairs : count)), m_matched(1)
 {
-    for (int i = 0; i < 2 * kMaxPairs; ++i)
-        m_offsets[i] = i < 2 * m_count ? offsets[i] : -1;
+    m_subject = subject;
+    // A fixed-size fill and a short copy: variable-length block moves cost more to start up.
+    for (int32_t& o : m_offsets)
+        o = -1;
+    for (int i = 0; i < 2 * m_count; ++i)
+        m_offsets[i] = offsets[i];
 }
-
-int rgx_ReIterator::Start(int n) const { return n >= 0 && n < m_count ? m_offsets[2 * n] : -1; }
-
-int rgx_ReIterator::End(int n) const { return n >= 0 && n < m_count ? m_offsets[2 * n + 1] : -1; }
 
 cow_String rgx_ReIterator::PairText(int n) const
 {
