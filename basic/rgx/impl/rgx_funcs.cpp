@@ -156,8 +156,7 @@ cow_1DArrayList<cow_String> rgx_split(const cow_String& pattern, const cow_Strin
     cow_1DArrayList<cow_String> pieces;
     int32_t offsets[2 * rgx_ReIterator::kMaxPairs];
     int pos = 0;  // start of the remaining text
-    for (bool found = Exec(re, data, text, length, 0, offsets) > 0; found;
-         found = Exec(re, data, text + pos, length - pos, 0, offsets) > 0) {
+    while (Exec(re, data, text + pos, length - pos, 0, offsets) > 0) {
         if (offsets[1] <= 0) {
             // An empty match at the start of the remainder: look again from its next character.
             if (pos == length || Exec(re, data, text + pos, length - pos, 1, offsets) == 0 || offsets[1] <= 0)
