@@ -173,6 +173,11 @@ TEST(rgx_match, EngineFailuresThrowTheirTexts)
         EXPECT_EQ(source, "rgx/impl/rgx_funcs");
     }
     rgx_ReCompileCache::Instance().SetJit(true);
+
+    // A pattern that switches UTF-8 on gets the engine's subject check, JIT or not.
+    const std::string utf = ThrownText([] { rgx_match("(*UTF)a.", "\xff\xfe a"); }, &source);
+    EXPECT_EQ(utf.rfind("rgx_match: exec error: -", 0), 0u) << utf;
+    EXPECT_STREQ(rgx_match("(*UTF)a.", "\xc3\xa9" "a\xc3\xa9").String().c_str(), "a\xc3\xa9");
 }
 
 TEST(rgx_ReCompileCache, FullCacheDropsTheLowestSortingHalf)
