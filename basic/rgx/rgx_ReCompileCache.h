@@ -20,10 +20,12 @@
 #include "cow/cow_String.h"
 #include "zul_BasicExport.h"
 
-// The engine's types for 8-bit code units (pcre2_code, pcre2_match_data), declared here so that
+// The engine's types for 8-bit code units (pcre2_code, pcre2_match_data, ...), declared here so that
 // users of the library do not need the engine's header.
 struct pcre2_real_code_8;
 struct pcre2_real_match_data_8;
+struct pcre2_real_match_context_8;
+struct pcre2_real_jit_stack_8;
 
 // One compiled pattern, owned: the engine's code is freed with the object.
 class ZUL_BASIC_API rgx_CompiledRe {
@@ -79,16 +81,23 @@ public:
 
     // This thread's match data with room for ten offset pairs, reused by every match.
     pcre2_real_match_data_8* MatchData() const { return m_matchData; }
+    // This thread's match context: it gives the JIT a stack that grows to kJitStackMax bytes.
+    pcre2_real_match_context_8* MatchContext() const { return m_matchContext; }
+    enum { kJitStackMax = 1 << 20 };
 
 private:
     Holder Compile(const cow_String& pattern);
     void Evict();
+    // Frees the engine's match objects.
+    void Release();
 
     cow_Map<cow_String, Holder> m_map;
     // The last pattern looked up: loops that match one pattern again and again skip the map.
     cow_String m_lastPattern;
     Holder m_lastCompiled;
     pcre2_real_match_data_8* m_matchData;
+    pcre2_real_match_context_8* m_matchContext;
+    pcre2_real_jit_stack_8* m_jitStack;
     int m_compilations;
     bool m_jit;
 };

@@ -292,5 +292,16 @@ TEST(rgx_ReCompileCache, JitAndInterpreterAgree)
     const std::string without = run(false);
     rgx_ReCompileCache::Instance().SetJit(true);
     EXPECT_EQ(withJit, without);
+
+    // A match too deep for the JIT's stack still succeeds.
+    const cow_String deep = (std::string(50000, 'a') + "c").c_str();
+    for (bool jit : {true, false}) {
+        rgx_ReCompileCache::Instance().SetJit(jit);
+        const rgx_ReIterator m = rgx_match("(a|b)*c", deep);
+        EXPECT_EQ(m.Count(), 2) << jit;
+        EXPECT_EQ(m.End(0), 50001) << jit;
+        EXPECT_EQ(m.Start(1), 49999) << jit;
+    }
+    rgx_ReCompileCache::Instance().SetJit(true);
     EXPECT_NE(withJit.find("3:| and 30-40|10-20|10|20|"), std::string::npos) << withJit;
 }

@@ -17,16 +17,33 @@ thread_local rgx_ReCompileCache* t_current = nullptr;
 rgx_CompiledRe::~rgx_CompiledRe() { pcre2_code_free(m_code); }
 
 rgx_ReCompileCache::rgx_ReCompileCache()
-    : m_matchData(pcre2_match_data_create(10, nullptr)), m_compilations(0), m_jit(true)
+    : m_matchData(pcre2_match_data_create(10, nullptr)),
+      m_matchContext(pcre2_match_context_create(nullptr)),
+      m_jitStack(JitAvailable() ? pcre2_jit_stack_create(32 * 1024, kJitStackMax, nullptr) : nullptr),
+      m_compilations(0),
+      m_jit(true)
 {
-    if (!m_matchData)
+    if (!m_matchData || !m_matchContext) {
+        Release();
         mem_ThrowOutOfMemory(sizeof(PCRE2_SIZE) * 2 * 10);
+    }
+    // Without its own stack the JIT has 32 KiB; a match that needs more than kJitStackMax is run
+    // again by the interpreter (see Exec in rgx_funcs), so the JIT never changes a result.
+    if (m_jitStack)
+        pcre2_jit_stack_assign(m_matchContext, nullptr, m_jitStack);
 }
 
 rgx_ReCompileCache::~rgx_ReCompileCache()
 {
     if (t_current == this)
         t_current = nullptr;
+    Release();
+}
+
+void rgx_ReCompileCache::Release()
+{
+    pcre2_jit_stack_free(m_jitStack);
+    pcre2_match_context_free(m_matchContext);
     pcre2_match_data_free(m_matchData);
 }
 

@@ -2,7 +2,6 @@
 
 #include <climits>
 #include <cstdlib>
-#include <cstring>
 
 #include <pcre2.h>
 
@@ -17,12 +16,18 @@ typedef rgx_ReCompileCache::Holder Holder;
 // One run of the engine on text[0, length) from `from`, with no options. Fills `offsets` (pairs
 // relative to text, -1 for groups that took no part) and returns the pairs filled, 0 for no match.
 // A full vector (the engine's 0) counts as all ten pairs: later groups are not reported.
-int Exec(const Holder& re, pcre2_match_data* data, const char* text, int length, int from, int32_t* offsets)
+int Exec(const Holder& re, rgx_ReCompileCache& cache, const char* text, int length, int from, int32_t* offsets)
 {
     const rgx_CompiledRe& compiled = re.GetRef();
-    const int rc = (compiled.IsDirect() ? pcre2_jit_match : pcre2_match)(
-        compiled.Code(), reinterpret_cast<PCRE2_SPTR>(text), static_cast<PCRE2_SIZE>(length),
-        static_cast<PCRE2_SIZE>(from), 0, data, nullptr);
+    pcre2_match_data* data = cache.MatchData();
+    const PCRE2_SPTR subject = reinterpret_cast<PCRE2_SPTR>(text);
+    int rc = (compiled.IsDirect() ? pcre2_jit_match : pcre2_match)(compiled.Code(), subject, static_cast<PCRE2_SIZE>(length),
+                                                                  static_cast<PCRE2_SIZE>(from), 0, data, cache.MatchContext());
+    // The interpreter keeps its backtracking state on the heap and gets further than the JIT's
+    // bounded stack.
+    if (rc == PCRE2_ERROR_JIT_STACKLIMIT)
+        rc = pcre2_match(compiled.Code(), subject, static_cast<PCRE2_SIZE>(length), static_cast<PCRE2_SIZE>(from),
+                         PCRE2_NO_JIT, data, cache.MatchContext());
     if (rc == PCRE2_ERROR_NOMATCH)
         return 0;
     if (rc < 0) {
@@ -51,13 +56,12 @@ cow_String Expand(const cow_String& replacement, const rgx_ReIterator& match)
         return replacement;
     rgx_ReCompileCache& cache = rgx_ReCompileCache::Instance();
     const Holder reference = cache.Lookup("\\$([1-9]+|&|`|')");
-    pcre2_match_data* data = cache.MatchData();
     const char* text = replacement.c_str();
     const int length = replacement.Length();
     cow_String out;
     int32_t offsets[2 * rgx_ReIterator::kMaxPairs];
     int pos = 0;
-    for (int pairs; pos < length && (pairs = Exec(reference, data, text + pos, length - pos, 0, offsets)) > 0;) {
+    for (int pairs; pos < length && (pairs = Exec(reference, cache, text + pos, length - pos, 0, offsets)) > 0;) {
         out.append(text + pos, offsets[0]);
         for (int i = 0; i < 2 * pairs; ++i)
             offsets[i] += offsets[i] >= 0 ? pos : 0;
@@ -140,9 +144,8 @@ rgx_ReIterator rgx_match(const cow_String& pattern, const cow_String& subject)
 {
     rgx_ReCompileCache& cache = rgx_ReCompileCache::Instance();
     const Holder re = cache.Lookup(pattern);
-    pcre2_match_data* data = cache.MatchData();
     int32_t offsets[2 * rgx_ReIterator::kMaxPairs];
-    const int pairs = Exec(re, data, subject.c_str(), subject.Length(), 0, offsets);
+    const int pairs = Exec(re, cache, subject.c_str(), subject.Length(), 0, offsets);
     return pairs > 0 ? rgx_ReIterator(subject, offsets, pairs) : rgx_ReIterator();
 }
 
@@ -150,16 +153,15 @@ cow_1DArrayList<cow_String> rgx_split(const cow_String& pattern, const cow_Strin
 {
     rgx_ReCompileCache& cache = rgx_ReCompileCache::Instance();
     const Holder re = cache.Lookup(pattern);
-    pcre2_match_data* data = cache.MatchData();
     const char* text = subject.c_str();
     const int length = subject.Length();
     cow_1DArrayList<cow_String> pieces;
     int32_t offsets[2 * rgx_ReIterator::kMaxPairs];
     int pos = 0;  // start of the remaining text
-    while (Exec(re, data, text + pos, length - pos, 0, offsets) > 0) {
+    while (Exec(re, cache, text + pos, length - pos, 0, offsets) > 0) {
         if (offsets[1] <= 0) {
             // An empty match at the start of the remainder: look again from its next character.
-            if (pos == length || Exec(re, data, text + pos, length - pos, 1, offsets) == 0 || offsets[1] <= 0)
+            if (pos == length || Exec(re, cache, text + pos, length - pos, 1, offsets) == 0 || offsets[1] <= 0)
                 break;
         }
         if (offsets[0] > 0)
@@ -195,11 +197,10 @@ cow_String rgx_subn(const cow_String& pattern, const cow_String& replacement, co
 {
     rgx_ReCompileCache& cache = rgx_ReCompileCache::Instance();
     const Holder re = cache.Lookup(pattern);
-    pcre2_match_data* data = cache.MatchData();
     const char* text = subject.c_str();
     const int length = subject.Length();
     int32_t offsets[2 * rgx_ReIterator::kMaxPairs];
-    const int pairs = Exec(re, data, text, length, 0, offsets);
+    const int pairs = Exec(re, cache, text, length, 0, offsets);
     if (pairs == 0 || count < 1)
         return subject;
     const cow_String expanded = Expand(replacement, rgx_ReIterator(subject, offsets, pairs));
@@ -224,7 +225,7 @@ cow_String rgx_subn(const cow_String& pattern, const cow_String& replacement, co
         if (rest == 0)
             break;
         pos += end;
-        if (++done >= count || Exec(re, data, text + pos, length - pos, 0, offsets) == 0)
+        if (++done >= count || Exec(re, cache, text + pos, length - pos, 0, offsets) == 0)
             break;
     }
     out.append(text + pos, length - pos);
