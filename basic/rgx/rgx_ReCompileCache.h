@@ -7,7 +7,7 @@
 //
 // Patterns are compiled by PCRE2 (8-bit code units) with no options and then JIT-compiled when the
 // engine has a JIT and the cache's JIT switch is on (the default); the JIT changes speed, not
-// results. The map holds at most kCapacity patterns: inserting into a full cache first drops the
+// results (a match too deep for the JIT's stack is run again by the interpreter). The map holds at most kCapacity patterns: inserting into a full cache first drops the
 // kCapacity / 2 patterns that sort lowest byte-wise, however recently or often they were used.
 //
 // The map is a cow_Map<cow_String, cow_CountedHld<rgx_CompiledRe>>: the counted holder keeps a
