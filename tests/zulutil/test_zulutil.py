@@ -193,6 +193,20 @@ class OtherCommandsTest(ToolTest):
         self.assertEqual(status, 2)
         self.assertIn(b"base64", err)
 
+    def test_rgx_match_split_subn(self):
+        status, out, _ = self.tool("rgx", "match", "(\\w+)@(\\w+)", "mail bob@example now")
+        self.assertEqual((status, out.decode().splitlines()), (0, ["0: bob@example", "1: bob", "2: example"]))
+        self.assertEqual(self.tool("rgx", "match", "z+", "abc")[0], 1)
+        status, out, _ = self.tool("rgx", "split", ",", stdin=b"a,,b,\n")
+        self.assertEqual((status, out), (0, b"a\nb\n\n"))
+        status, out, _ = self.tool("rgx", "subn", "b", "[$&]", "abcb")
+        self.assertEqual((status, out), (0, b"a[b]c[b]\n"))
+        status, out, _ = self.tool("rgx", "subn", "b", "-", "abcb", "-count", "1")
+        self.assertEqual(out, b"a-cb\n")
+        status, _, err = self.tool("rgx", "match", "(", "x")
+        self.assertEqual(status, 2)
+        self.assertIn(b"error in regex at offset", err)
+
     def test_host_reports_the_platform_and_processors(self):
         status, out, _ = self.tool("host")
         self.assertEqual(status, 0)

@@ -41,6 +41,13 @@ const Command kCommands[] = {
      "                                         the key is read from KEYFILE, never the command line\n",
      &RunEncrypt},
     {"decrypt", "zulutil decrypt -cipher blowfish|rotor -keyfile KEYFILE [FILE]\n", &RunDecrypt},
+    {"rgx",
+     "zulutil rgx match PATTERN [TEXT]         the match and its groups\n"
+     "zulutil rgx split PATTERN [TEXT]         the pieces between matches, one per line\n"
+     "zulutil rgx subn PATTERN REPLACEMENT [TEXT] [-count N]\n"
+     "                                         substitution (0 or no count: every match); without\n"
+     "                                         TEXT the text is standard input\n",
+     &zulutil_Rgx},
     {"host", "zulutil host                             date, time, host, user, platform and processor\n", &zulutil_Host},
     {"help", "zulutil help [COMMAND]                   usage of one command or of all\n", &RunHelp},
 };
