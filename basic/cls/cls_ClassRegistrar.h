@@ -106,6 +106,8 @@ public:
 private:
     cls_ClassMetadata& Register(cls_ClassMetadata* metadata);
     const cls_ClassMetadata* FindCurrent(unsigned id) const;
+    // The smallest version >= version (atOrAbove) or the largest version < version; -1 when none.
+    int VersionWalk(unsigned id, int version, bool atOrAbove) const;
 
     cow_Btree<cls_ClassIdKey, cls_ClassMetadataHld> m_Current;
     cls_ClassMetadataHld m_Default;

@@ -9,18 +9,6 @@
 #include <typeinfo>
 #include <vector>
 
-#if defined(_WIN32)
-#include <io.h>
-#define ZUL_OPEN _open
-#define ZUL_CLOSE _close
-#define ZUL_O_BINARY _O_BINARY
-#else
-#include <unistd.h>
-#define ZUL_OPEN open
-#define ZUL_CLOSE close
-#define ZUL_O_BINARY 0
-#endif
-
 #include "cls/cls_BinVisitor.h"
 #include "cls/cls_MetadataRegistrar.h"
 #include "nex/nex_OutOfMemoryException.h"
@@ -30,19 +18,7 @@
 
 namespace {
 
-class Descriptor {
-public:
-    Descriptor(const std::string& path, int flags) : m_fd(ZUL_OPEN(path.c_str(), flags | ZUL_O_BINARY, 0600)) {}
-    ~Descriptor()
-    {
-        if (m_fd >= 0)
-            ZUL_CLOSE(m_fd);
-    }
-    int fd() const { return m_fd; }
-
-private:
-    int m_fd;
-};
+using zul_test::Descriptor;
 
 const cls_ClassRegistrar& Library()
 {

@@ -3,27 +3,17 @@
 // registrar's flag bits.
 #include <gtest/gtest.h>
 
-#include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "cls/cls_ClassRegistrar.h"
 #include "cls/cls_MetadataRegistrar.h"
 #include "cls/cls_StorageTypeId.h"
+#include "zul_TestSupport.h"
 
 namespace {
 
-void SetEnv(const char* name, const char* value)
-{
-#if defined(_WIN32)
-    _putenv_s(name, value ? value : "");
-#else
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-#endif
-}
+using zul_test::SetEnv;
 
 const unsigned kRoot = 1;
 

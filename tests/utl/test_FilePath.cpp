@@ -9,17 +9,7 @@
 
 namespace {
 
-void SetEnv(const char* name, const char* value)
-{
-#if defined(_WIN32)
-    _putenv_s(name, value ? value : "");
-#else
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-#endif
-}
+using zul_test::SetEnv;
 
 TEST(UtlFilePath, WindowsFormExpansion)
 {

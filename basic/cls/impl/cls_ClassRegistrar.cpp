@@ -134,32 +134,30 @@ int cls_ClassRegistrar::GetLastClassVersionNumber(const unsigned& id) const
 
 int cls_ClassRegistrar::GetFirstClassVersionNumberGREQ(const unsigned& id, int version) const
 {
-    int result = -1;
-    bool found = false;
-    cow_BtreeIterator<cls_ClassVersionKey, cls_ClassMetadataHld> it(m_History);
-    for (it.First(); it.NotDone(); it.Next()) {
-        const cls_ClassVersionKey& key = it.Key();
-        if (key.m_Id == id && key.m_Version >= version && (!found || key.m_Version < result)) {
-            result = key.m_Version;
-            found = true;
-        }
-    }
-    return found ? result : -1;
+    return VersionWalk(id, version, true);
 }
 
 int cls_ClassRegistrar::GetPreviousClassVersionNumber(const unsigned& id, int version) const
 {
+    return VersionWalk(id, version, false);
+}
+
+int cls_ClassRegistrar::VersionWalk(unsigned id, int version, bool atOrAbove) const
+{
+    // The whole history in order, no shortcut by key: the nearest qualifying version wins.
     int result = -1;
     bool found = false;
     cow_BtreeIterator<cls_ClassVersionKey, cls_ClassMetadataHld> it(m_History);
     for (it.First(); it.NotDone(); it.Next()) {
         const cls_ClassVersionKey& key = it.Key();
-        if (key.m_Id == id && key.m_Version < version && (!found || key.m_Version > result)) {
+        if (key.m_Id != id || (atOrAbove ? key.m_Version < version : key.m_Version >= version))
+            continue;
+        if (!found || (atOrAbove ? key.m_Version < result : key.m_Version > result)) {
             result = key.m_Version;
             found = true;
         }
     }
-    return found ? result : -1;
+    return result;
 }
 
 bool cls_ClassRegistrar::InheritanceCheck(const unsigned& id, const unsigned& baseId) const

@@ -48,10 +48,16 @@ void RegisterException(cls_ClassRegistrar& r)
 {
     AddAbstract<nex_Exception>(r, "nex_Exception", kRoot);
 }
+// The classes whose one field is the text m_Value.
+template <class T>
+void AddTextClass(cls_ClassRegistrar& r, const char* name)
+{
+    AddConcrete<T>(r, name, kBase).AddAttribute(nex_fields::Value, cls_AttrString, 0, cls_CollNone);
+}
+
 void RegisterTextException(cls_ClassRegistrar& r)
 {
-    AddConcrete<nex_TextException>(r, "nex_TextException", kBase)
-        .AddAttribute(nex_fields::Value, cls_AttrString, 0, cls_CollNone);
+    AddTextClass<nex_TextException>(r, "nex_TextException");
 }
 void RegisterCommandException(cls_ClassRegistrar& r)
 {
@@ -59,13 +65,11 @@ void RegisterCommandException(cls_ClassRegistrar& r)
 }
 void RegisterAssertException(cls_ClassRegistrar& r)
 {
-    AddConcrete<nex_AssertException>(r, "nex_AssertException", kBase)
-        .AddAttribute(nex_fields::Value, cls_AttrString, 0, cls_CollNone);
+    AddTextClass<nex_AssertException>(r, "nex_AssertException");
 }
 void RegisterBadCastException(cls_ClassRegistrar& r)
 {
-    AddConcrete<nex_BadCastException>(r, "nex_BadCastException", kBase)
-        .AddAttribute(nex_fields::Value, cls_AttrString, 0, cls_CollNone);
+    AddTextClass<nex_BadCastException>(r, "nex_BadCastException");
 }
 void RegisterExitException(cls_ClassRegistrar& r)
 {
@@ -75,8 +79,7 @@ void RegisterExitException(cls_ClassRegistrar& r)
 }
 void RegisterInvalidObjException(cls_ClassRegistrar& r)
 {
-    AddConcrete<nex_InvalidObjException>(r, "nex_InvalidObjException", kBase)
-        .AddAttribute(nex_fields::Value, cls_AttrString, 0, cls_CollNone);
+    AddTextClass<nex_InvalidObjException>(r, "nex_InvalidObjException");
 }
 void RegisterSystemErrorException(cls_ClassRegistrar& r)
 {
