@@ -228,14 +228,17 @@ TEST(ClsPersistence, DataThatDoesNotFitRaisesALibraryException)
     });
     EXPECT_EQ(truncated.rfind(eof, 0), 0u) << truncated;
 
-    // The writer refuses an unregistered class; a command exception writes but cannot be read.
-    nex_TextException text("t");
-    EXPECT_THROW(
-        {
-            utl_BinOStream s(-1, omi_Swapper::EndianType());
-            cls_BinWriteVisitor(s, Library()).WriteObject(0x7F0001u, static_cast<const nex_Exception*>(&text));
-        },
-        cls_UnknownClassException);
+    // The writer refuses an unregistered class before writing anything; a command exception
+    // writes but cannot be read back.
+    zul_test::TempDir dir;
+    {
+        zul_test::Descriptor out(dir.File("refused.bin"), O_WRONLY | O_CREAT | O_TRUNC);
+        utl_BinOStream s(out.fd(), omi_Swapper::EndianType());
+        nex_TextException text("t");
+        EXPECT_THROW(cls_BinWriteVisitor(s, Library()).WriteObject(0x7F0001u, static_cast<const nex_Exception*>(&text)),
+                     cls_UnknownClassException);
+    }
+    EXPECT_EQ(zul_test::ReadFileBytes(dir.File("refused.bin")), "");
     DemoCommand command;
     EXPECT_THROW(RoundTrip({&command}), cls_UnknownClassException);
 }
