@@ -22,7 +22,15 @@
 
 // Upper library
 #include "bio/bio_Initialize.h"
+#include "cls/cls_BinVisitor.h"
+#include "cls/cls_ClassMetadata.h"
+#include "cls/cls_ClassRegistrar.h"
+#include "cls/cls_FieldHandle.h"
 #include "cls/cls_Initialize.h"
+#include "cls/cls_MetadataRegistrar.h"
+#include "cls/cls_StorageTypeId.h"
+#include "cls/cls_Uid.h"
+#include "cls/cls_Visitor.h"
 #include "cls/cls_PTrie.h"
 #include "cow/cow_Initialize.h"
 #include "mem/mem_AllocationOperators.h"

@@ -11,8 +11,14 @@
 // 0x1F0005, nex_ExitException 0x1F0006, nex_InvalidObjException 0x1F0007,
 // nex_SystemErrorException 0x1F0008, nex_OutOfMemoryException 0x1F0009.
 //
-// Persistence of the exceptions (the uid field, DBWrite and construction from a read visitor)
-// comes with the class registry.
+// Persistence: DBWrite writes an exception's persistent fields through a write visitor (base
+// class fields first) and every class has a constructor from a read visitor that reads them back
+// in the same order. The nex module registers the nine classes with the class registry at
+// start-up (class ids = type ids, version 1, nex_Exception based on the root id 1), so that a
+// reader builds the class that was written. Field keys: m_Value (text, condition or message),
+// m_Value.m_Msg / m_Value.m_Err (exit), m_Value.m_NativeErrorCode / m_Value.m_CRTErrorCode
+// (system error), m_Msg / m_Err / m_Uid (out of memory). The uid of nex_Exception itself is an
+// identity kept by the persistence layer and is not among the written fields.
 //
 // A module deriving its own exception class writes NEX_EXCEPTION_CLASS(Class, id) in its body
 // to get TypeId, DynTypeId, Propagate and Copy.
@@ -22,6 +28,7 @@
 #include <cstdint>
 
 #include "atr/atr_String.h"
+#include "cls/cls_Uid.h"
 #include "mem/mem_AllocationOperators.h"
 #include "omi/omi_SystemErrorCode.h"
 #include "zul_BasicExport.h"
@@ -32,6 +39,9 @@ public:                                                                        \
     unsigned DynTypeId() const override { return (id); }                       \
     [[noreturn]] void Propagate() const override { throw Class(*this); }       \
     nex_Exception* Copy() const override { return new Class(*this); }
+
+class cls_ReadVisitor;
+class cls_WriteVisitor;
 
 class ZUL_BASIC_API nex_Exception : public mem_AllocationOperators {
 public:
@@ -48,6 +58,8 @@ public:
     // A new heap copy of the dynamic type.
     virtual nex_Exception* Copy() const = 0;
     virtual unsigned DynTypeId() const;
+    // Writes the persistent fields (nex_Exception itself has none).
+    virtual void DBWrite(const cls_WriteVisitor& writer) const;
     static unsigned TypeId();
 
     // Records the throw site and propagates. Never returns.
@@ -55,21 +67,27 @@ public:
 
     const atr_String& File() const { return m_file; }
     int Line() const { return m_line; }
+    const cls_Uid& Uid() const { return m_uid; }
+    void SetUid(const cls_Uid& uid) { m_uid = uid; }
 
 protected:
     nex_Exception();
+    explicit nex_Exception(const cls_ReadVisitor& reader);
     nex_Exception(const nex_Exception&);
     nex_Exception& operator=(const nex_Exception&);
 
 private:
     atr_String m_file;
     int32_t m_line;
+    cls_Uid m_uid;
 };
 
 // An error described by its message alone.
 class ZUL_BASIC_API nex_TextException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_TextException, 0x1F0002u)
 public:
+    explicit nex_TextException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     explicit nex_TextException(const atr_String& message);
     explicit nex_TextException(const char* message);
     // The message as it stands.
@@ -92,12 +110,15 @@ public:
 
 protected:
     nex_CommandException() {}
+    explicit nex_CommandException(const cls_ReadVisitor& reader) : nex_Exception(reader) {}
 };
 
 // A failed internal condition; the text is the condition as written in the source.
 class ZUL_BASIC_API nex_AssertException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_AssertException, 0x1F0004u)
 public:
+    explicit nex_AssertException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     explicit nex_AssertException(const atr_String& condition);
     explicit nex_AssertException(const char* condition);
     atr_String AsString() const override;
@@ -111,6 +132,8 @@ protected:
 class ZUL_BASIC_API nex_BadCastException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_BadCastException, 0x1F0005u)
 public:
+    explicit nex_BadCastException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     explicit nex_BadCastException(const atr_String& message);
     atr_String AsString() const override;
 
@@ -122,6 +145,8 @@ protected:
 class ZUL_BASIC_API nex_ExitException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_ExitException, 0x1F0006u)
 public:
+    explicit nex_ExitException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     struct Value {
         atr_String m_Msg;
         int32_t m_Err;
@@ -140,6 +165,8 @@ protected:
 class ZUL_BASIC_API nex_InvalidObjException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_InvalidObjException, 0x1F0007u)
 public:
+    explicit nex_InvalidObjException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     explicit nex_InvalidObjException(const atr_String& message);
     atr_String AsString() const override;
 
@@ -151,6 +178,8 @@ protected:
 class ZUL_BASIC_API nex_SystemErrorException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_SystemErrorException, 0x1F0008u)
 public:
+    explicit nex_SystemErrorException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     explicit nex_SystemErrorException(const omi_SystemErrorCode& code);
     atr_String AsString() const override;
     const omi_SystemErrorCode& Code() const { return m_Value; }

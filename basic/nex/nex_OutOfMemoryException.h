@@ -22,6 +22,10 @@ public:
     explicit nex_OutOfMemoryException(nex_OutOfMemoryErrEnm reason);
     // Stores the message and appends it to both module-wide texts.
     nex_OutOfMemoryException(const atr_String& message, nex_OutOfMemoryErrEnm reason);
+    // Reads m_Msg, m_Err and m_Uid (the module-wide texts are left alone); a reason outside
+    // nex_OutOfMemoryErrEnm raises cls_BadDataException.
+    explicit nex_OutOfMemoryException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
 
     // JournalMessage().
     atr_String AsString() const override;
@@ -32,6 +36,9 @@ public:
 
     const atr_String& Message() const { return m_Msg; }
     nex_OutOfMemoryErrEnm Reason() const { return m_Err; }
+    // A second identity kept with the exception (persistent, unlike nex_Exception's own uid).
+    const cls_Uid& SecondUid() const { return m_Uid; }
+    void SetSecondUid(const cls_Uid& uid) { m_Uid = uid; }
 
     // The generic text, for callers that print it without the product wording (null while the
     // nex module is down).
@@ -45,6 +52,7 @@ public:
 protected:
     atr_String m_Msg;
     nex_OutOfMemoryErrEnm m_Err;
+    cls_Uid m_Uid;
 };
 
 // The out-of-memory thrower installed into the memory layer while the library is up: raises

@@ -10,6 +10,7 @@
 #ifndef UTI_FILEUTILS_H
 #define UTI_FILEUTILS_H
 
+#include "cls/cls_FieldHandle.h"
 #include "cow/cow_String.h"
 #include "nex/nex_Exception.h"
 #include "zul_BasicExport.h"
@@ -35,7 +36,12 @@ public:
     };
     // The text is made from the reason and the path.
     uti_PreCheckFileException(int reason, const cow_String& path);
+    // Persistence: the message (m_Value, field 0) and then the reason (m_Reason, field 1).
+    explicit uti_PreCheckFileException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     int GetReason() const { return m_Reason; }
+
+    static const cls_FieldHandle& ReasonField();
 
     static atr_String TextFor(int reason, const cow_String& path);
 

@@ -9,7 +9,11 @@
 #include <sstream>
 #include <stdexcept>
 
+#include <cstdlib>
+#include <fcntl.h>
+
 #if defined(_WIN32)
+#include <io.h>
 #include <process.h>
 #define ZUL_TEST_GETPID _getpid
 #else
@@ -20,6 +24,22 @@
 namespace zul_test {
 
 namespace fs = std::filesystem;
+
+#if defined(_WIN32)
+Descriptor::Descriptor(const std::string& path, int flags) : m_fd(_open(path.c_str(), flags | _O_BINARY, 0600)) {}
+Descriptor::~Descriptor()
+{
+    if (m_fd >= 0)
+        _close(m_fd);
+}
+#else
+Descriptor::Descriptor(const std::string& path, int flags) : m_fd(open(path.c_str(), flags, 0600)) {}
+Descriptor::~Descriptor()
+{
+    if (m_fd >= 0)
+        close(m_fd);
+}
+#endif
 
 TempDir::TempDir()
 {

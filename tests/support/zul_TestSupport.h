@@ -28,6 +28,21 @@ private:
     std::string m_path;
 };
 
+// A runtime-library descriptor on a file, opened in binary mode (flags as for open: O_RDONLY,
+// O_WRONLY | O_CREAT | O_TRUNC, ...; mode 0600), closed at the end. fd() is -1 when it failed.
+class Descriptor {
+public:
+    Descriptor(const std::string& path, int flags);
+    ~Descriptor();
+    Descriptor(const Descriptor&) = delete;
+    Descriptor& operator=(const Descriptor&) = delete;
+
+    int fd() const { return m_fd; }
+
+private:
+    int m_fd;
+};
+
 // Reads a whole file as bytes; throws std::runtime_error when it cannot be opened.
 std::string ReadFileBytes(const std::string& path);
 // Writes bytes to a file, replacing it; throws std::runtime_error on failure.

@@ -5,37 +5,12 @@
 #include <fcntl.h>
 #include <string>
 
-#if defined(_WIN32)
-#include <io.h>
-#define ZUL_OPEN _open
-#define ZUL_CLOSE _close
-#define ZUL_O_BINARY _O_BINARY
-#else
-#include <unistd.h>
-#define ZUL_OPEN open
-#define ZUL_CLOSE close
-#define ZUL_O_BINARY 0
-#endif
-
 #include "utl/utl_BinStream.h"
 #include "zul_TestSupport.h"
 
 namespace {
 
-// A descriptor on a fresh file in a temporary directory, closed at the end.
-class Descriptor {
-public:
-    Descriptor(const std::string& path, int flags) : m_fd(ZUL_OPEN(path.c_str(), flags | ZUL_O_BINARY, 0600)) {}
-    ~Descriptor()
-    {
-        if (m_fd >= 0)
-            ZUL_CLOSE(m_fd);
-    }
-    int fd() const { return m_fd; }
-
-private:
-    int m_fd;
-};
+using zul_test::Descriptor;
 
 std::string Bytes(std::initializer_list<int> values)
 {

@@ -17,14 +17,7 @@ namespace {
 
 void SetEnv(const char* name, const std::string& value)
 {
-#ifdef _WIN32
-    _putenv_s(name, value.c_str());
-#else
-    if (value.empty())
-        unsetenv(name);
-    else
-        setenv(name, value.c_str(), 1);
-#endif
+    zul_test::SetEnvironment(name, value.empty() ? nullptr : value.c_str());
 }
 
 std::string GetEnv(const char* name)

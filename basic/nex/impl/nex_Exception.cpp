@@ -3,13 +3,20 @@
 #include <exception>
 
 #include "atr/atr_translate.h"
+#include "cls/cls_Visitor.h"
+#include "nex/impl/nex_PersistentFields.h"
 
 nex_Exception::nex_Exception() : m_line(0) {}
-nex_Exception::nex_Exception(const nex_Exception& o) : mem_AllocationOperators(), m_file(o.m_file), m_line(o.m_line) {}
+nex_Exception::nex_Exception(const cls_ReadVisitor&) : m_line(0) {}
+nex_Exception::nex_Exception(const nex_Exception& o)
+    : mem_AllocationOperators(), m_file(o.m_file), m_line(o.m_line), m_uid(o.m_uid)
+{
+}
 nex_Exception& nex_Exception::operator=(const nex_Exception& o)
 {
     m_file = o.m_file;
     m_line = o.m_line;
+    m_uid = o.m_uid;
     return *this;
 }
 nex_Exception::~nex_Exception() {}
@@ -23,6 +30,8 @@ unsigned nex_Exception::DynTypeId() const
 {
     return 0x1F0001u;
 }
+
+void nex_Exception::DBWrite(const cls_WriteVisitor&) const {}
 
 atr_String nex_Exception::UserReport() const
 {
@@ -43,6 +52,15 @@ void nex_Exception::Throw(const char* file, int line)
 }
 
 nex_TextException::nex_TextException(const atr_String& message) : m_Value(message) {}
+nex_TextException::nex_TextException(const cls_ReadVisitor& reader)
+    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
+{
+}
+void nex_TextException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::Value, m_Value);
+}
 nex_TextException::nex_TextException(const char* message) : m_Value(message) {}
 atr_String nex_TextException::AsString() const
 {
@@ -57,6 +75,15 @@ atr_String nex_CommandException::AsString() const
 }
 
 nex_AssertException::nex_AssertException(const atr_String& condition) : m_Value(condition) {}
+nex_AssertException::nex_AssertException(const cls_ReadVisitor& reader)
+    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
+{
+}
+void nex_AssertException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::Value, m_Value);
+}
 nex_AssertException::nex_AssertException(const char* condition) : m_Value(condition) {}
 atr_String nex_AssertException::AsString() const
 {
@@ -64,12 +91,32 @@ atr_String nex_AssertException::AsString() const
 }
 
 nex_BadCastException::nex_BadCastException(const atr_String& message) : m_Value(message) {}
+nex_BadCastException::nex_BadCastException(const cls_ReadVisitor& reader)
+    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
+{
+}
+void nex_BadCastException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::Value, m_Value);
+}
 atr_String nex_BadCastException::AsString() const
 {
     return m_Value;
 }
 
 nex_ExitException::nex_ExitException(const atr_String& message, int exitCode) : m_Value{message, exitCode} {}
+nex_ExitException::nex_ExitException(const cls_ReadVisitor& reader) : nex_Exception(reader), m_Value{atr_String(), 0}
+{
+    m_Value.m_Msg = reader.ReadString(nex_fields::ExitMsg);
+    m_Value.m_Err = reader.ReadInt(nex_fields::ExitErr);
+}
+void nex_ExitException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::ExitMsg, m_Value.m_Msg);
+    writer.WriteInt(nex_fields::ExitErr, m_Value.m_Err);
+}
 atr_String nex_ExitException::AsString() const
 {
     if (!m_Value.m_Msg.IsEmpty())
@@ -80,12 +127,32 @@ atr_String nex_ExitException::AsString() const
 }
 
 nex_InvalidObjException::nex_InvalidObjException(const atr_String& message) : m_Value(message) {}
+nex_InvalidObjException::nex_InvalidObjException(const cls_ReadVisitor& reader)
+    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
+{
+}
+void nex_InvalidObjException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::Value, m_Value);
+}
 atr_String nex_InvalidObjException::AsString() const
 {
     return m_Value;
 }
 
 nex_SystemErrorException::nex_SystemErrorException(const omi_SystemErrorCode& code) : m_Value(code) {}
+nex_SystemErrorException::nex_SystemErrorException(const cls_ReadVisitor& reader) : nex_Exception(reader)
+{
+    m_Value.m_NativeErrorCode = reader.ReadUInt(nex_fields::NativeErrorCode);
+    m_Value.m_CRTErrorCode = reader.ReadUInt(nex_fields::CRTErrorCode);
+}
+void nex_SystemErrorException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteUInt(nex_fields::NativeErrorCode, m_Value.m_NativeErrorCode);
+    writer.WriteUInt(nex_fields::CRTErrorCode, m_Value.m_CRTErrorCode);
+}
 atr_String nex_SystemErrorException::AsString() const
 {
     return atr_translate("%s").Arg(m_Value.GetText()).Result();

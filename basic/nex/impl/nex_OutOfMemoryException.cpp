@@ -3,6 +3,10 @@
 #include <initializer_list>
 #include <new>
 
+#include "atr/atr_translate.h"
+#include "cls/cls_Visitor.h"
+#include "nex/impl/nex_PersistentFields.h"
+
 namespace {
 
 const char kProductMessage[] =
@@ -41,6 +45,26 @@ nex_OutOfMemoryException::nex_OutOfMemoryException(const atr_String& message, ne
         *g_product += message;
     if (g_generic)
         *g_generic += message;
+}
+
+nex_OutOfMemoryException::nex_OutOfMemoryException(const cls_ReadVisitor& reader)
+    : nex_Exception(reader), m_Msg(reader.ReadString(nex_fields::Msg)), m_Err(nex_OutOfMemoryUnknown)
+{
+    const int32_t reason = reader.ReadInt(nex_fields::Err);
+    if (reason < nex_OutOfMemoryUnknown || reason > nex_OutOfMemoryLimit) {
+        cls_BadDataException failure(atr_translate("Out-of-memory reason %d is not known").Arg(reason).Result());
+        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    }
+    m_Err = static_cast<nex_OutOfMemoryErrEnm>(reason);
+    m_Uid = reader.ReadUid(nex_fields::Uid);
+}
+
+void nex_OutOfMemoryException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_Exception::DBWrite(writer);
+    writer.WriteString(nex_fields::Msg, m_Msg);
+    writer.WriteInt(nex_fields::Err, m_Err);
+    writer.WriteUid(nex_fields::Uid, m_Uid);
 }
 
 atr_String nex_OutOfMemoryException::AsString() const

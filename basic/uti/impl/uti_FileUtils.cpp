@@ -1,6 +1,7 @@
 #include "uti/uti_FileUtils.h"
 
 #include "atr/atr_translate.h"
+#include "cls/cls_Visitor.h"
 #include "utl/utl_FilePath.h"
 
 namespace {
@@ -44,6 +45,23 @@ bool HasInvalidCharacter(const cow_String& fileName)
 uti_PreCheckFileException::uti_PreCheckFileException(int reason, const cow_String& path)
     : nex_TextException(TextFor(reason, path)), m_Reason(reason)
 {
+}
+
+uti_PreCheckFileException::uti_PreCheckFileException(const cls_ReadVisitor& reader)
+    : nex_TextException(reader), m_Reason(reader.ReadInt(ReasonField()))
+{
+}
+
+void uti_PreCheckFileException::DBWrite(const cls_WriteVisitor& writer) const
+{
+    nex_TextException::DBWrite(writer);
+    writer.WriteInt(ReasonField(), m_Reason);
+}
+
+const cls_FieldHandle& uti_PreCheckFileException::ReasonField()
+{
+    static const cls_FieldHandle field(1, "m_Reason");
+    return field;
 }
 
 atr_String uti_PreCheckFileException::TextFor(int reason, const cow_String& path)

@@ -1,0 +1,304 @@
+// The class registry: versions, lookups, first registration wins, the repeat warning, hierarchy
+// walks, destruction through the nearest destructor function, metadata lists and the metadata
+// registrar's flag bits.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+#include "cls/cls_ClassRegistrar.h"
+#include "cls/cls_MetadataRegistrar.h"
+#include "cls/cls_StorageTypeId.h"
+#include "zul_TestSupport.h"
+
+namespace {
+
+using zul_test::SetEnvironment;
+
+const unsigned kRoot = 1;
+
+TEST(ClsRegistrar, VersionsAreKeptAndWalkedInOrder)
+{
+    cls_ClassRegistrar r;
+    const unsigned id = 0x500001;
+    r.CreateClassMD("demo", id, 1, nullptr, kRoot);
+    r.CreateClassMD("demo", id, 3, nullptr, kRoot);
+    r.CreateClassMD("demo", id, 2, nullptr, kRoot);
+    r.CreateClassMD("other", id + 1, 5, nullptr, kRoot);  // versions of another class never count
+
+    EXPECT_EQ(r.ConstGet(id).GetVersion(), 3);
+    EXPECT_EQ(r.GetLastClassVersionNumber(id), 3);
+    EXPECT_EQ(r.VersionCount(), 4);
+    EXPECT_EQ(r.ClassCount(), 2);
+    for (int v = 1; v <= 3; ++v)
+        EXPECT_EQ(r.GetClassMetadata(id, v).GetVersion(), v);
+
+    EXPECT_EQ(r.GetFirstClassVersionNumberGREQ(id, 2), 2);
+    EXPECT_EQ(r.GetFirstClassVersionNumberGREQ(id, -7), 1);
+    EXPECT_EQ(r.GetFirstClassVersionNumberGREQ(id, 4), -1);
+    EXPECT_EQ(r.GetPreviousClassVersionNumber(id, 2), 1);
+    EXPECT_EQ(r.GetPreviousClassVersionNumber(id, 9), 3);
+    EXPECT_EQ(r.GetPreviousClassVersionNumber(id, 1), -1);
+}
+
+TEST(ClsRegistrar, UnknownIdsAndNamesAnswerTheDefaults)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("known", 0x500001, 1, nullptr, kRoot);
+    EXPECT_TRUE(r.ClassIsPresent(0x500001));
+    EXPECT_FALSE(r.ClassIsPresent(0x500002));
+    const cls_ClassMetadata& fallback = r.ConstGet(0x500002);
+    EXPECT_EQ(&r.ConstGet(0x500003), &fallback);
+    EXPECT_EQ(r.GetLastClassVersionNumber(0x500002), fallback.GetVersion());
+    EXPECT_EQ(r.GetClassMetadata(0x500001, 2).GetClassID(), r.GetClassMetadata(7, 7).GetClassID());
+    EXPECT_NE(r.GetClassMetadata(0x500001, 2).GetClassID(), 0x500001u);
+    EXPECT_EQ(r.GetClassID("known"), 0x500001u);
+    EXPECT_EQ(r.GetClassID("unknown"), static_cast<unsigned>(cls_ClassRegistrar::UnknownId));
+}
+
+TEST(ClsRegistrar, FirstRegistrationOfAVersionWins)
+{
+    cls_ClassRegistrar r;
+    cls_ClassMetadata& first = r.CreateClassMD("first", 0x500001, 1, nullptr, kRoot);
+    cls_ClassMetadata* late = new cls_ClassMetadata("late", 0x500001, 1, nullptr, kRoot);
+    cls_ClassMetadata& second = r.AddClassMD(late);  // dropped (and freed) by the registrar
+    EXPECT_EQ(&second, &first);
+    second.AddAttribute(cls_FieldHandle(4, "m_Four"), cls_AttrInt, 0, cls_CollNone);
+    EXPECT_EQ(first.MaxFieldID(), 4);
+    EXPECT_EQ(r.ConstGet(0x500001).GetName(), "first");
+    EXPECT_EQ(r.VersionCount(), 1);
+
+    // A lower version later on stays in the history but does not become current.
+    r.CreateClassMD("first", 0x500001, 0, nullptr, kRoot);
+    EXPECT_EQ(r.ConstGet(0x500001).GetVersion(), 1);
+    EXPECT_EQ(r.VersionCount(), 2);
+}
+
+TEST(ClsRegistrar, RepeatedRegistrationWarnsOnlyOnSites)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("twice", 0x500001, 7, nullptr, kRoot);
+
+    SetEnvironment("TAVRIN_SITE", nullptr);
+    testing::internal::CaptureStderr();
+    r.CreateClassMD("twice", 0x500001, 7, nullptr, kRoot);
+    EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+
+    SetEnvironment("TAVRIN_SITE", "1");
+    testing::internal::CaptureStderr();
+    r.CreateClassMD("twice", 0x500001, 7, nullptr, kRoot);
+    r.CreateClassMD("twice", 0x500001, 8, nullptr, kRoot);  // a new version is no repeat
+    const std::string printed = testing::internal::GetCapturedStderr();
+    SetEnvironment("TAVRIN_SITE", nullptr);
+    EXPECT_EQ(printed, "WARNING: Metadata for class twice version 7 has been initialized more than once.\n");
+}
+
+TEST(ClsRegistrar, NamesAreNeverTakenOver)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("shared", 0x500001, 1, nullptr, kRoot);
+    r.CreateClassMD("shared", 0x500002, 1, nullptr, kRoot);
+    EXPECT_EQ(r.GetClassID("shared"), 0x500001u);
+    EXPECT_EQ(r.ConstGet(0x500002).GetName(), "shared");
+
+    r.DeleteClass("shared", 0x500009);
+    EXPECT_EQ(r.GetClassID("shared"), 0x500001u);
+    r.DeleteClass("retired", 0x500009);
+    EXPECT_EQ(r.GetClassID("retired"), 0x500009u);
+    EXPECT_FALSE(r.ClassIsPresent(0x500009));
+}
+
+TEST(ClsRegistrar, ListsRunInUnsignedIdThenSignedVersionOrder)
+{
+    cls_ClassRegistrar r;
+    const unsigned ids[] = {0xFFFFFFF0u, 5u, 0x80000001u};
+    for (unsigned id : ids) {
+        r.CreateClassMD("c", id, 2, nullptr, kRoot);
+        r.CreateClassMD("c", id, -3, nullptr, kRoot);
+    }
+    cow_1DArray<cls_ClassMetadataHld> current = r.GetMDList();
+    ASSERT_EQ(current.Size(), 3);
+    EXPECT_EQ(current[0].GetRef().GetClassID(), 5u);
+    EXPECT_EQ(current[1].GetRef().GetClassID(), 0x80000001u);
+    EXPECT_EQ(current[2].GetRef().GetClassID(), 0xFFFFFFF0u);
+    EXPECT_EQ(current[2].GetPtr(), &r.ConstGet(0xFFFFFFF0u));
+    EXPECT_GE(current[0].UseCount(), 2);  // shares the registrar's metadata
+
+    cow_1DArray<cls_ClassMetadataHld> history = r.GetHistoryMDList();
+    ASSERT_EQ(history.Size(), 6);
+    std::vector<std::pair<unsigned, int>> order;
+    for (int i = 0; i < history.Size(); ++i)
+        order.emplace_back(history[i].GetRef().GetClassID(), history[i].GetRef().GetVersion());
+    const std::vector<std::pair<unsigned, int>> expected = {{5u, -3},          {5u, 2},          {0x80000001u, -3},
+                                                            {0x80000001u, 2}, {0xFFFFFFF0u, -3}, {0xFFFFFFF0u, 2}};
+    EXPECT_EQ(order, expected);
+}
+
+TEST(ClsRegistrar, InheritanceFollowsRegisteredBaseIds)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("a", 10, 1, nullptr, kRoot);
+    r.CreateClassMD("b", 11, 1, nullptr, 10);
+    r.CreateClassMD("c", 12, 1, nullptr, 11);
+    r.CreateClassMD("x", 20, 1, nullptr, 21);  // 21 and 20 base each other: a circle
+    r.CreateClassMD("y", 21, 1, nullptr, 20);
+
+    EXPECT_TRUE(r.InheritanceCheck(12, 10));
+    EXPECT_TRUE(r.InheritanceCheck(12, kRoot));
+    EXPECT_FALSE(r.InheritanceCheck(10, 12));
+    EXPECT_FALSE(r.InheritanceCheck(12, 20));
+    EXPECT_TRUE(r.InheritanceCheck(99, 99));  // never registered
+    EXPECT_FALSE(r.InheritanceCheck(99, kRoot));
+    EXPECT_FALSE(r.InheritanceCheck(20, 10));  // ends instead of circling
+}
+
+std::vector<std::string> g_destroyedBy;
+
+void DestroyAsA(cls_CowObject* object)
+{
+    g_destroyedBy.push_back("A");
+    cow_Destroy(object);
+}
+
+void DestroyAsC(cls_CowObject* object)
+{
+    g_destroyedBy.push_back("C");
+    cow_Destroy(object);
+}
+
+TEST(ClsRegistrar, DeleteCowUsesTheNearestDestructorFunction)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("a", 10, 1, nullptr, kRoot).AddDtor(&DestroyAsA);
+    r.CreateClassMD("b", 11, 1, nullptr, 10);
+    r.CreateClassMD("c", 12, 1, nullptr, 11).AddDtor(&DestroyAsC);
+    r.CreateClassMD("lone", 30, 1, nullptr, kRoot);
+    g_destroyedBy.clear();
+
+    EXPECT_TRUE(r.DeleteCow(12, cow_New<cls_CowObject>(cow_New<int>(1))));
+    EXPECT_TRUE(r.DeleteCow(11, cow_New<cls_CowObject>(cow_New<int>(2))));
+    EXPECT_EQ(g_destroyedBy, (std::vector<std::string>{"C", "A"}));
+
+    cls_CowObject kept(cow_New<int>(3));
+    EXPECT_FALSE(r.DeleteCow(kRoot, &kept));
+    EXPECT_FALSE(r.DeleteCow(30, &kept));
+    EXPECT_FALSE(r.DeleteCow(77, &kept));
+    EXPECT_EQ(g_destroyedBy.size(), 2u);
+    EXPECT_EQ(kept.ConstGet(), 3);
+}
+
+std::vector<std::string> g_lookups;
+void OnId(const unsigned& id)
+{
+    g_lookups.push_back("id " + std::to_string(id));
+}
+void OnVersion(unsigned id, int version)
+{
+    g_lookups.push_back("version " + std::to_string(id) + " " + std::to_string(version));
+}
+void OnName(const cow_String& name)
+{
+    g_lookups.push_back(std::string("name ") + name.c_str());
+}
+
+TEST(ClsRegistrar, HooksSeeEachLookupFirst)
+{
+    cls_ClassRegistrar r;
+    r.CreateClassMD("a", 10, 1, nullptr, kRoot);
+    g_lookups.clear();
+    cls_ClassRegistrar::SetIdLookupHook(&OnId);
+    cls_ClassRegistrar::SetVersionLookupHook(&OnVersion);
+    cls_ClassRegistrar::SetNameLookupHook(&OnName);
+    r.ConstGet(10);
+    r.GetClassMetadata(10, -2);
+    r.GetClassID("a");
+    r.ClassIsPresent(11);
+    EXPECT_EQ(cls_ClassRegistrar::SetIdLookupHook(nullptr), &OnId);
+    EXPECT_EQ(cls_ClassRegistrar::SetVersionLookupHook(nullptr), &OnVersion);
+    EXPECT_EQ(cls_ClassRegistrar::SetNameLookupHook(nullptr), &OnName);
+    r.ConstGet(10);
+    EXPECT_EQ(g_lookups, (std::vector<std::string>{"id 10", "version 10 -2", "name a", "id 11"}));
+}
+
+TEST(ClsMetadata, AddersChainOntoOneMetadata)
+{
+    cls_ClassMetadata md("m", 10, 2, nullptr, kRoot);
+    EXPECT_EQ(md.GetTableExtentQuantum(), 4);
+    EXPECT_EQ(md.MaxFieldID(), -1);
+    cls_ClassMetadata& same = md.AddTableExtentQuantum(9)
+                                  .AddAttribute(cls_FieldHandle(3, "m_B"), cls_AttrString, 0, cls_CollNone)
+                                  .AddAttribute(cls_FieldHandle(1, "m_A"), cls_AttrInt, 5, cls_CollArray)
+                                  .AddAttribute(cls_FieldHandle(1, "m_Again"), cls_AttrUid, 0, cls_CollNone);
+    EXPECT_EQ(&same, &md);
+    EXPECT_EQ(md.GetTableExtentQuantum(), 9);
+    EXPECT_EQ(md.MaxFieldID(), 3);
+    EXPECT_EQ(md.GetAttributes().Count(), 2);
+    ASSERT_NE(md.FindAttribute(1), nullptr);
+    EXPECT_EQ(md.FindAttribute(1)->m_Name, "m_A");
+    EXPECT_EQ(md.FindAttribute(1)->m_Parameter, 5u);
+    EXPECT_EQ(md.FindAttribute(1)->m_Collection, cls_CollArray);
+    EXPECT_EQ(md.FindAttribute(2), nullptr);
+}
+
+TEST(ClsMetadataDeathTest, AClassThatIsItsOwnBaseAborts)
+{
+    EXPECT_DEATH(cls_ClassMetadata("loop_Class", 42, 1, nullptr, 42),
+                 "QRB metadat for class: loop_Class\n  Is incorrectly defined.  The base class ID is\n"
+                 "  the same as the class ID.  Please correct this.");
+}
+
+std::vector<std::string> g_calls;
+template <int N>
+void Record(cls_ClassRegistrar& r)
+{
+    g_calls.push_back(std::string(1, static_cast<char>('A' + N)));
+    r.CreateClassMD(g_calls.back().c_str(), 100 + N, 1, nullptr, kRoot);
+}
+
+TEST(ClsMetadataRegistrar, FlagBitsChooseRegistrarsAndLists)
+{
+    cls_MetadataRegistrar m;
+    g_calls.clear();
+    m.initClassMetadata(&Record<0>, cls_RegisterPrimary);
+    m.initClassMetadata(&Record<1>, cls_RegisterThird);
+    m.initClassMetadata(&Record<2>, cls_RegisterSecond);
+    m.initClassMetadata(&Record<3>, cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"A", "B", "C", "D", "D", "D"}));
+
+    EXPECT_EQ(m.PrimaryRegistrar().GetClassID("A"), 100u);
+    EXPECT_EQ(m.PrimaryRegistrar().GetClassID("D"), 103u);
+    EXPECT_EQ(m.PrimaryRegistrar().ClassCount(), 2);
+    EXPECT_EQ(m.ThirdRegistrar().GetClassID("B"), 101u);
+    EXPECT_EQ(m.ThirdRegistrar().ClassCount(), 2);
+    EXPECT_EQ(m.SecondRegistrar().GetClassID("C"), 102u);
+    EXPECT_EQ(m.SecondRegistrar().ClassCount(), 2);
+    ASSERT_EQ(m.ListA().Count(), 2);
+    EXPECT_EQ(m.ListA()[1], &Record<3>);
+    ASSERT_EQ(m.ListB().Count(), 2);
+    EXPECT_EQ(m.ListB()[0], &Record<2>);
+
+    g_calls.clear();
+    cls_ClassRegistrar replay;
+    m.initMetadata(&replay, cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"A", "D", "C", "D"}));
+    EXPECT_EQ(replay.ClassCount(), 3);
+    g_calls.clear();
+    cls_ClassRegistrar onlyB;
+    m.initMetadata(&onlyB, cls_RegisterSecond | cls_RegisterThird);
+    EXPECT_EQ(g_calls, (std::vector<std::string>{"C", "D"}));
+}
+
+class StorageType : public cls_StorageTypeId {
+public:
+    static int Next() { return AllocateId(); }
+};
+
+TEST(ClsStorageTypeId, IdsArePositiveAndConsecutive)
+{
+    const int first = StorageType::Next();
+    EXPECT_GE(first, 1);
+    EXPECT_EQ(StorageType::Next(), first + 1);
+    EXPECT_EQ(StorageType::Next(), first + 2);
+}
+
+}  // namespace
