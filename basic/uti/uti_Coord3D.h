@@ -7,6 +7,9 @@
 #define UTI_COORD3D_H
 
 #include "mem/mem_AllocationOperators.h"
+
+class cls_ReadVisitor;
+class cls_WriteVisitor;
 #include "zul_BasicExport.h"
 
 class ZUL_BASIC_API uti_Coord3D : public mem_AllocationOperators {
@@ -16,6 +19,12 @@ public:
     uti_Coord3D(const uti_Coord3D&) = default;
     uti_Coord3D& operator=(const uti_Coord3D&) = default;
     virtual ~uti_Coord3D();
+
+    // Persistence: the class's id in the class registry, its fields written through a visitor,
+    // and the point read back from one.
+    static unsigned TypeId() { return 0x20C01u; }
+    explicit uti_Coord3D(const cls_ReadVisitor& reader);
+    virtual void DBWrite(const cls_WriteVisitor& writer) const;
 
     float X() const { return m_x; }
     float Y() const { return m_y; }

@@ -48,6 +48,11 @@ public:
     uti_CoordCont3D& operator=(const uti_CoordCont3D& other);
     virtual ~uti_CoordCont3D();
 
+    // Persistence: the number of points, then x, y, z of each; read back into the list storage.
+    static unsigned TypeId() { return 0x20C02u; }
+    explicit uti_CoordCont3D(const cls_ReadVisitor& reader);
+    virtual void DBWrite(const cls_WriteVisitor& writer) const;
+
     // ClearAll, then: any dimension other than 2 adopts `array` (count floats, count / 3
     // points, a remainder ignored); dimension 2 copies count / 2 pairs as points with z = 0.
     // A negative count, or a null array with a positive count, raises uti_CoordException and

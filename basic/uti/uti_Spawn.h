@@ -39,6 +39,9 @@ class ZUL_BASIC_API uti_IOErrorException : public nex_CommandException {
     NEX_EXCEPTION_CLASS(uti_IOErrorException, 0x20201u)
 public:
     uti_IOErrorException(const char* call, const uti_Spawn* spawn, int error);
+    // Persistence: the call's name and the error number (a read-back exception has no spawn).
+    explicit uti_IOErrorException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     // "<call> failed (error <number>): <system text>"
     atr_String JournalMessage() const override;
     // "IOError"
@@ -59,6 +62,8 @@ class ZUL_BASIC_API uti_CmdFailedException : public nex_CommandException {
     NEX_EXCEPTION_CLASS(uti_CmdFailedException, 0x20202u)
 public:
     explicit uti_CmdFailedException(const atr_String& message);
+    explicit uti_CmdFailedException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     atr_String JournalMessage() const override;
     // "CommandError"
     atr_String PythonType() const override;
@@ -72,6 +77,8 @@ class ZUL_BASIC_API uti_InterruptedException : public nex_CommandException {
     NEX_EXCEPTION_CLASS(uti_InterruptedException, 0x20203u)
 public:
     explicit uti_InterruptedException(const atr_String& message);
+    explicit uti_InterruptedException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     atr_String JournalMessage() const override;
     // "KeyboardInterrupt"
     atr_String PythonType() const override;
@@ -85,6 +92,8 @@ class ZUL_BASIC_API uti_CommandNotFoundException : public uti_CmdFailedException
     NEX_EXCEPTION_CLASS(uti_CommandNotFoundException, 0x20204u)
 public:
     explicit uti_CommandNotFoundException(const cow_String& command);
+    explicit uti_CommandNotFoundException(const cls_ReadVisitor& reader);
+    void DBWrite(const cls_WriteVisitor& writer) const override;
     const cow_String& Command() const { return m_command; }
 
 protected:

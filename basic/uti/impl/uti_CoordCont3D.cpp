@@ -6,6 +6,8 @@
 #include "atr/atr_translate.h"
 #include "mem/mem_Memory.h"
 #include "mem/mem_OutOfMemory.h"
+#include "cls/cls_Visitor.h"
+#include "uti/impl/uti_PersistentFields.h"
 
 namespace {
 
@@ -418,4 +420,31 @@ bool uti_CoordCont3D::operator==(const uti_CoordCont3D& other) const
     if (!mine && !theirs)
         return m_list == other.m_list;
     return mine ? MixedEqual(other, *this) : MixedEqual(*this, other);
+}
+
+uti_CoordCont3D::uti_CoordCont3D(const cls_ReadVisitor& reader) : uti_CoordCont3D()
+{
+    const int32_t n = reader.ReadInt(uti_fields::NumCoords);
+    if (n < 0) {
+        cls_BadDataException failure(atr_translate("uti_CoordCont3D: negative number of points %d").Arg(n));
+        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    }
+    for (int32_t i = 0; i < n; ++i) {
+        const float x = reader.ReadFloat(uti_fields::Coords);
+        const float y = reader.ReadFloat(uti_fields::Coords);
+        const float z = reader.ReadFloat(uti_fields::Coords);
+        Append(x, y, z);
+    }
+}
+
+void uti_CoordCont3D::DBWrite(const cls_WriteVisitor& writer) const
+{
+    writer.WriteInt(uti_fields::NumCoords, m_count);
+    float x, y, z;
+    for (int32_t i = 0; i < m_count; ++i) {
+        GetCoord(i, x, y, z);
+        writer.WriteFloat(uti_fields::Coords, x);
+        writer.WriteFloat(uti_fields::Coords, y);
+        writer.WriteFloat(uti_fields::Coords, z);
+    }
 }

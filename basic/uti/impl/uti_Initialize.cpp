@@ -4,7 +4,10 @@
 #include "cls/cls_Visitor.h"
 #include "nex/nex_TypeTable.h"
 #include "typ/typ_Module.h"
+#include "uti/impl/uti_PersistentFields.h"
+#include "uti/uti_CoordCont3D.h"
 #include "uti/uti_FileUtils.h"
+#include "uti/uti_Spawn.h"
 
 namespace {
 
@@ -27,19 +30,70 @@ void RegisterPreCheckFileException(cls_ClassRegistrar& registrar)
         .AddAttribute(uti_PreCheckFileException::ReasonField(), cls_AttrInt, 0, cls_CollNone);
 }
 
+// The command exceptions of process spawning: the call's name and error, or the message.
+template <class T>
+cls_ClassMetadata& AddCommandException(cls_ClassRegistrar& registrar, const char* name, unsigned baseId)
+{
+    typedef cls_TypedClassMetadata<T, nex_Exception> Metadata;
+    return registrar.AddClassMD(new Metadata(name, T::TypeId(), 1, &Metadata::Construct, baseId));
+}
+
+void RegisterIOErrorException(cls_ClassRegistrar& registrar)
+{
+    AddCommandException<uti_IOErrorException>(registrar, "uti_IOErrorException", nex_CommandException::TypeId())
+        .AddAttribute(uti_fields::Call, cls_AttrString, 0, cls_CollNone)
+        .AddAttribute(uti_fields::Error, cls_AttrInt, 0, cls_CollNone);
+}
+
+void RegisterCmdFailedException(cls_ClassRegistrar& registrar)
+{
+    AddCommandException<uti_CmdFailedException>(registrar, "uti_CmdFailedException", nex_CommandException::TypeId())
+        .AddAttribute(uti_fields::Message, cls_AttrString, 0, cls_CollNone);
+}
+
+void RegisterInterruptedException(cls_ClassRegistrar& registrar)
+{
+    AddCommandException<uti_InterruptedException>(registrar, "uti_InterruptedException", nex_CommandException::TypeId())
+        .AddAttribute(uti_fields::Message, cls_AttrString, 0, cls_CollNone);
+}
+
+void RegisterCommandNotFoundException(cls_ClassRegistrar& registrar)
+{
+    AddCommandException<uti_CommandNotFoundException>(registrar, "uti_CommandNotFoundException", uti_CmdFailedException::TypeId())
+        .AddAttribute(uti_fields::Message, cls_AttrString, 0, cls_CollNone)
+        .AddAttribute(uti_fields::Command, cls_AttrString, 0, cls_CollNone);
+}
+
+// The coordinates: a point of three floats, and a container written as its count and points.
+void RegisterCoord3D(cls_ClassRegistrar& registrar)
+{
+    typedef cls_TypedClassMetadata<uti_Coord3D, uti_Coord3D> Metadata;
+    registrar.AddClassMD(new Metadata("uti_Coord3D", uti_Coord3D::TypeId(), 1, &Metadata::Construct, 1u))
+        .AddAttribute(uti_fields::X, cls_AttrFloat, 0, cls_CollNone)
+        .AddAttribute(uti_fields::Y, cls_AttrFloat, 0, cls_CollNone)
+        .AddAttribute(uti_fields::Z, cls_AttrFloat, 0, cls_CollNone);
+}
+
+void RegisterCoordCont3D(cls_ClassRegistrar& registrar)
+{
+    typedef cls_TypedClassMetadata<uti_CoordCont3D, uti_CoordCont3D> Metadata;
+    registrar.AddClassMD(new Metadata("uti_CoordCont3D", uti_CoordCont3D::TypeId(), 1, &Metadata::Construct, 1u))
+        .AddAttribute(uti_fields::NumCoords, cls_AttrInt, 0, cls_CollNone)
+        .AddAttribute(uti_fields::Coords, cls_AttrFloat, 0, cls_CollArray);
+}
+
 void StartUp()
 {
     typ_ArchCompTable::InsertEntry(2, typ_ArchCompEntry(kUtiTypes, sizeof(kUtiTypes) / sizeof(kUtiTypes[0])));
 
     cls_MetadataRegistrar& registrar = cls_MetadataRegistrar::Instance();
-    // The command exceptions of process spawning (uti_IOErrorException, uti_CmdFailedException,
-    // uti_InterruptedException) register here, with cls_RegisterThird, once they exist.
     registrar.initClassMetadata(&RegisterPreCheckFileException, cls_RegisterThird);
-
-    // COORDINATES: the module's registrations end with the two coordinate classes, in this order:
-    //   registrar.initClassMetadata(<uti_Coord3D's registration>, cls_RegisterThird | cls_RegisterSecond);  // 6
-    //   registrar.initClassMetadata(<uti_CoordCont3D's registration>,
-    //                               cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);   // 7
+    registrar.initClassMetadata(&RegisterIOErrorException, cls_RegisterThird);
+    registrar.initClassMetadata(&RegisterCmdFailedException, cls_RegisterThird);
+    registrar.initClassMetadata(&RegisterInterruptedException, cls_RegisterThird);
+    registrar.initClassMetadata(&RegisterCommandNotFoundException, cls_RegisterThird);
+    registrar.initClassMetadata(&RegisterCoord3D, cls_RegisterThird | cls_RegisterSecond);
+    registrar.initClassMetadata(&RegisterCoordCont3D, cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);
 }
 
 }  // namespace
