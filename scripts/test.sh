@@ -26,9 +26,9 @@ export WINEDEBUG=-all
 wineserver=/usr/lib/wine/wineserver
 if [ -x "$wineserver" ]; then
   # deps.sh may have just created the prefix: let that short-lived server exit first, or the
-  # persistent one cannot start.
-  "$wineserver" -w 2>/dev/null || true
-  "$wineserver" -p
+  # persistent one cannot start. A server that is already persistent never exits: then it serves.
+  timeout 30 "$wineserver" -w 2>/dev/null || true
+  "$wineserver" -p 2>/dev/null || true
   trap '"$wineserver" -k 2>/dev/null || true' EXIT
   timeout 300 /usr/lib/wine/wine64 cmd /c exit </dev/null >/dev/null 2>&1 || true
 fi
