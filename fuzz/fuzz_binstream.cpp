@@ -15,6 +15,9 @@
 
 namespace {
 
+using zul_fuzz::Cow;
+using zul_fuzz::Str;
+
 // The stream as the reader should see it.
 struct Model {
     const uint8_t* data;

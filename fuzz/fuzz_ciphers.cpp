@@ -16,15 +16,8 @@
 
 namespace {
 
-std::string Str(const cow_String& s)
-{
-    return std::string(s.c_str(), static_cast<size_t>(s.Length()));
-}
-
-cow_String Cow(const std::string& s)
-{
-    return cow_String(s.data(), static_cast<int>(s.size()));
-}
+using zul_fuzz::Cow;
+using zul_fuzz::Str;
 
 void CheckBlowfish(const std::string& key, const std::string& text)
 {

@@ -11,6 +11,9 @@
 
 namespace {
 
+using zul_fuzz::Cow;
+using zul_fuzz::Str;
+
 std::map<std::string, int> g_known;  // facility name -> slot
 
 struct Outcome {

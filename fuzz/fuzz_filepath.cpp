@@ -19,17 +19,10 @@ extern char** environ;
 
 namespace {
 
+using zul_fuzz::Cow;
+using zul_fuzz::Str;
+
 size_t g_longestValue = 0;
-
-std::string Str(const cow_String& s)
-{
-    return std::string(s.c_str(), static_cast<size_t>(s.Length()));
-}
-
-cow_String Cow(const std::string& s)
-{
-    return cow_String(s.data(), static_cast<int>(s.size()));
-}
 
 bool Contains(const std::string& whole, const std::string& piece)
 {

@@ -16,12 +16,10 @@
 
 namespace {
 
-using Guard = zul_fuzz::Expect<nex_TextException>;
+using zul_fuzz::Cow;
+using zul_fuzz::Str;
 
-std::string Str(const cow_String& s)
-{
-    return std::string(s.c_str(), static_cast<size_t>(s.Length()));
-}
+using Guard = zul_fuzz::Expect<nex_TextException>;
 
 void WriteFile(const std::string& path, const uint8_t* data, size_t size)
 {
@@ -96,7 +94,7 @@ void WriteAndReadBack(const uint8_t* data, size_t size)
         while (in.remaining_bytes() > 0 && model.size() < 64) {
             const std::string name = in.ConsumeRandomLengthString(32);
             const std::string bytes = in.ConsumeRandomLengthString(512);
-            f.setSectionData(cow_String(name.data(), static_cast<int>(name.size())), bytes.data(),
+            f.setSectionData(Cow(name), bytes.data(),
                              static_cast<int>(bytes.size()));
             bool replaced = false;
             for (auto& section : model)
@@ -124,7 +122,7 @@ void WriteAndReadBack(const uint8_t* data, size_t size)
         utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
         ZUL_FUZZ_CHECK(f.SectionCount() == static_cast<int>(model.size()));
         for (size_t i = 0; i < model.size(); ++i) {
-            const cow_String name(model[i].first.data(), static_cast<int>(model[i].first.size()));
+            const cow_String name = Cow(model[i].first);
             ZUL_FUZZ_CHECK(Str(f.SectionName(static_cast<int>(i))) == model[i].first);
             ZUL_FUZZ_CHECK(f.getSectionLength(name) == static_cast<int>(model[i].second.size()));
             std::string back(model[i].second.size(), '\0');

@@ -6,12 +6,15 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <string>
 #include <typeinfo>
 
 #include <unistd.h>
 
+#include "cow/cow_String.h"
+#include "mem/mem_Memory.h"
 #include "nex/nex_Exception.h"
 #include "uti/uti_BasicUtils.h"
 
@@ -26,6 +29,21 @@ inline void Initialize()
         UTI_BasicUtils_initialize(count);
         done = true;
     }
+}
+
+// Byte-exact conversions: a cow_String built from a pointer and a count stops at a zero byte,
+// an adopted buffer keeps all of its bytes.
+inline cow_String Cow(const std::string& s)
+{
+    char* buffer = static_cast<char*>(mem_OperatorNewThrow(s.size() + 1));
+    if (!s.empty())
+        std::memcpy(buffer, s.data(), s.size());
+    return cow_String(buffer, static_cast<int>(s.size()), atr_StringBase::ADOPT);
+}
+
+inline std::string Str(const cow_String& s)
+{
+    return std::string(s.c_str(), static_cast<size_t>(s.Length()));
 }
 
 [[noreturn]] inline void Fail(const char* file, int line, const char* what)
