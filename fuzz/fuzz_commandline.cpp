@@ -1,4 +1,5 @@
-// The command-line option rule on an argument list split from the input at newlines. Every
+// The command-line option rule on an argument list split from the input at newlines and zero
+// bytes (arguments are zero-terminated texts). Every
 // argument must stay in the list; the options and their values must follow the rule (exactly
 // one "-" removed, the next argument is the value unless it is an option, the later of
 // repeated options wins); the typed getters must give the value or raise the library's own
@@ -102,7 +103,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
     const std::string input(reinterpret_cast<const char*>(data), size);
     size_t start = 0;
     while (start <= input.size() && args.size() < 256) {
-        size_t end = input.find('\n', start);
+        size_t end = input.find_first_of(std::string("\n\0", 2), start);
         if (end == std::string::npos)
             end = input.size();
         args.push_back(input.substr(start, end - start));

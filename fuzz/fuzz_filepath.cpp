@@ -131,8 +131,9 @@ extern "C" int LLVMFuzzerInitialize(int*, char***)
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     FuzzedDataProvider in(data, size);
-    const std::string name = in.ConsumeRandomLengthString(256);
-    const std::string directory = in.ConsumeRandomLengthString(256);
+    // Paths are zero-terminated texts: nothing after a zero byte belongs to them.
+    const std::string name = in.ConsumeRandomLengthString(256).c_str();
+    const std::string directory = in.ConsumeRandomLengthString(256).c_str();
     zul_fuzz::Expect<>::Run([&] {
         CheckParser(name);
         CheckParser(directory);

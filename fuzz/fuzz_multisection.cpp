@@ -50,8 +50,12 @@ bool ReadAll(const std::string& path, size_t fileSize, std::vector<std::pair<std
             int first = 0;
             while (f.SectionName(first) != name)
                 ++first;
-            if (first != i)
+            if (first != i) {
+                // Only the first of equal names can be looked up: the lengths of the others
+                // are unknown, so the container is not known to read completely.
+                complete = false;
                 continue;
+            }
             std::string data(static_cast<size_t>(length), '\0');
             if (!Guard::Run([&] { f.getSectionData(name, &data[0]); })) {
                 complete = false;

@@ -53,12 +53,15 @@ inline std::string Str(const cow_String& s)
     std::abort();
 }
 
-// A directory of its own for this process, removed at exit.
+// A directory of its own for this process, removed at exit. It lives in memory (/dev/shm)
+// where there is one, since the container saves flush to disk on every input.
 inline const std::string& ScratchDirectory()
 {
     static std::string path;
     if (path.empty()) {
-        const char* base = std::getenv("TMPDIR");
+        const char* base = std::getenv("ZUL_FUZZ_SCRATCH");
+        if (!base || !*base)
+            base = ::access("/dev/shm", W_OK) == 0 ? "/dev/shm" : std::getenv("TMPDIR");
         std::string pattern = std::string(base && *base ? base : "/tmp") + "/zul_fuzz_XXXXXX";
         if (!::mkdtemp(&pattern[0]))
             Fail(__FILE__, __LINE__, "cannot create the scratch directory");
