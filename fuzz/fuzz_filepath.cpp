@@ -38,18 +38,19 @@ void CheckParser(const std::string& path)
     ZUL_FUZZ_CHECK(path.find('/') == std::string::npos || unix);
 
     const char drive = utl_FilePathParser::Drive(p);
-    ZUL_FUZZ_CHECK(utl_FilePathParser::HasDrive(p) == (drive != 0));
+    ZUL_FUZZ_CHECK(utl_FilePathParser::HasDrive(p) == (windows && drive != 0));
     ZUL_FUZZ_CHECK(drive == 0 || (path.size() >= 2 && path[1] == ':' && (drive >= 'a' && drive <= 'z') &&
                                   (path[0] == drive || path[0] == drive - 'a' + 'A')));
 
     const std::string host = Str(utl_FilePathParser::Host(p));
-    ZUL_FUZZ_CHECK(!utl_FilePathParser::HasHost(p) || (path.compare(0, 2, "\\\\") == 0 && Contains(path, host)));
-    ZUL_FUZZ_CHECK(utl_FilePathParser::HasHost(p) || host.empty());
+    ZUL_FUZZ_CHECK(host.empty() || (path.compare(0, 2, "\\\\") == 0 && path.compare(2, host.size(), host) == 0 &&
+                                    path.size() > host.size() + 2 && path[host.size() + 2] == '\\'));
+    ZUL_FUZZ_CHECK(utl_FilePathParser::HasHost(p) == (windows && !host.empty()));
 
     const std::string dir = Str(utl_FilePathParser::DirName(p));
     const std::string base = Str(utl_FilePathParser::BaseName(p));
     const std::string ext = Str(utl_FilePathParser::Extension(p));
-    ZUL_FUZZ_CHECK(utl_FilePathParser::HasDirName(p) || dir.empty());
+    ZUL_FUZZ_CHECK(utl_FilePathParser::HasDirName(p) || dir.empty() || !(windows || unix));
     ZUL_FUZZ_CHECK(utl_FilePathParser::HasBaseName(p) || base.empty());
     ZUL_FUZZ_CHECK(utl_FilePathParser::HasExtension(p) || ext.empty());
     ZUL_FUZZ_CHECK(Contains(path, dir) && Contains(path, base) && Contains(path, ext));
@@ -57,7 +58,8 @@ void CheckParser(const std::string& path)
     if (utl_FilePathParser::HasExtension(p)) {
         const std::string tail = base + "." + ext;
         ZUL_FUZZ_CHECK(path.size() >= tail.size() && path.compare(path.size() - tail.size(), tail.size(), tail) == 0);
-        ZUL_FUZZ_CHECK(ext.find_first_of("/\\.") == std::string::npos);
+        ZUL_FUZZ_CHECK(ext.find_first_of("/.") == std::string::npos);
+        ZUL_FUZZ_CHECK(!windows || ext.find('\\') == std::string::npos);
     }
     ZUL_FUZZ_CHECK(base.find('/') == std::string::npos);
 }
