@@ -44,6 +44,8 @@
 #include "pnt/pnt_DebugMarks.h"
 #include "pnt/pnt_Initialize.h"
 #include "rgx/rgx_Initialize.h"
+#include "rgx/rgx_ReCompileCache.h"
+#include "rgx/rgx_funcs.h"
 #include "thr/thr_AtomicType.h"
 #include "thr/thr_Barrier.h"
 #include "thr/thr_CondVar.h"

@@ -19,15 +19,7 @@ const char kKey[] = "a Blowfish key of some length";
 
 const std::vector<unsigned char>& Data()
 {
-    static const std::vector<unsigned char> data = [] {
-        std::vector<unsigned char> d(kBytes);
-        uint32_t seed = 11;
-        for (unsigned char& c : d) {
-            seed = seed * 1103515245u + 12345u;
-            c = static_cast<unsigned char>(seed >> 16);
-        }
-        return d;
-    }();
+    static const std::vector<unsigned char> data = zul_BenchRandomBytes(kBytes);
     return data;
 }
 

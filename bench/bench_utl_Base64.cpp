@@ -14,17 +14,6 @@
 
 namespace {
 
-std::vector<unsigned char> Random(size_t n)
-{
-    std::vector<unsigned char> data(n);
-    uint32_t seed = 11;
-    for (unsigned char& c : data) {
-        seed = seed * 1103515245u + 12345u;
-        c = static_cast<unsigned char>(seed >> 16);
-    }
-    return data;
-}
-
 const std::vector<unsigned char>& Input(size_t n)
 {
     static std::vector<std::vector<unsigned char>> made(32);
@@ -32,7 +21,7 @@ const std::vector<unsigned char>& Input(size_t n)
     while ((size_t(1) << slot) < n)
         ++slot;
     if (made[slot].size() != n)
-        made[slot] = Random(n);
+        made[slot] = zul_BenchRandomBytes(n);
     return made[slot];
 }
 

@@ -18,22 +18,11 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::vector<unsigned char> Random(size_t n)
-{
-    std::vector<unsigned char> data(n);
-    uint32_t seed = 7;
-    for (unsigned char& c : data) {
-        seed = seed * 1103515245u + 12345u;
-        c = static_cast<unsigned char>(seed >> 16);
-    }
-    return data;
-}
-
 const size_t kCrcBytes = size_t(64) << 20;
 
 void utl_Crc64MiB(benchmark::State& state)
 {
-    static const std::vector<unsigned char> data = Random(kCrcBytes);
+    static const std::vector<unsigned char> data = zul_BenchRandomBytes(kCrcBytes, 7);
     for (auto _ : state)
         benchmark::DoNotOptimize(utl_MultisectionCrc(data.data(), data.size()));
     state.SetBytesProcessed(state.iterations() * int64_t(kCrcBytes));
@@ -41,7 +30,7 @@ void utl_Crc64MiB(benchmark::State& state)
 
 void zlib_Crc64MiB(benchmark::State& state)
 {
-    static const std::vector<unsigned char> data = Random(kCrcBytes);
+    static const std::vector<unsigned char> data = zul_BenchRandomBytes(kCrcBytes, 7);
     for (auto _ : state)
         benchmark::DoNotOptimize(crc32(0, data.data(), static_cast<uInt>(data.size())));
     state.SetBytesProcessed(state.iterations() * int64_t(kCrcBytes));
@@ -65,7 +54,7 @@ std::string Container()
 {
     static const std::string path = [] {
         const std::string p = (WorkDir() / "bench.msf").string();
-        const std::vector<unsigned char> data = Random(kSectionBytes);
+        const std::vector<unsigned char> data = zul_BenchRandomBytes(kSectionBytes, 7);
         utl_MultisectionFile f(p.c_str(), utl_FileAccessWrite);
         for (int i = 0; i < kSections; ++i)
             f.setSectionData(("s" + std::to_string(i)).c_str(), data.data(), kSectionBytes);

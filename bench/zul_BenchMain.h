@@ -5,7 +5,22 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cstdint>
+#include <vector>
+
 #include "uti/uti_BasicUtils.h"
+
+// Reproducible pseudo-random bytes, the same in every run, so that a library figure and its
+// anchor work on the same input.
+inline std::vector<unsigned char> zul_BenchRandomBytes(size_t n, uint32_t seed = 11)
+{
+    std::vector<unsigned char> data(n);
+    for (unsigned char& c : data) {
+        seed = seed * 1103515245u + 12345u;
+        c = static_cast<unsigned char>(seed >> 16);
+    }
+    return data;
+}
 
 inline int zul_BenchMain(int argc, char** argv)
 {

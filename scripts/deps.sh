@@ -4,12 +4,31 @@
 set -euo pipefail
 
 packages=(
-  build-essential cmake pkg-config python3 gfortran
+  build-essential dpkg-dev cmake pkg-config python3 gfortran
   libgtest-dev libbenchmark-dev libpcre2-dev zlib1g-dev libssl-dev
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix
   wine64
   clang-14 libclang-rt-14-dev
 )
+
+SUDO=""
+[ "$(id -u)" -eq 0 ] || SUDO="sudo"
+
+# The Windows build compiles PCRE2 from Debian's source package (cmake/ZulPcre2.cmake), which
+# needs source entries: mirror the machine's own Debian entries as deb-src, once.
+update_needed=0
+src_list=/etc/apt/sources.list.d/zulfnduti-deb-src.sources
+if [ ! -f "$src_list" ] && ! grep -rqsE '^[[:space:]]*(deb-src|Types:.*deb-src)' \
+     /etc/apt/sources.list /etc/apt/sources.list.d/; then
+  if [ -f /etc/apt/sources.list.d/debian.sources ]; then
+    sed -E 's/^Types:.*$/Types: deb-src/' /etc/apt/sources.list.d/debian.sources \
+      | $SUDO tee "$src_list" >/dev/null
+  elif [ -f /etc/apt/sources.list ]; then
+    grep -E '^[[:space:]]*deb[[:space:]]' /etc/apt/sources.list | sed -E 's/^([[:space:]]*)deb/\1deb-src/' \
+      | $SUDO tee /etc/apt/sources.list.d/zulfnduti-deb-src.list >/dev/null
+  fi
+  update_needed=1
+fi
 
 missing=()
 for p in "${packages[@]}"; do
@@ -18,12 +37,12 @@ for p in "${packages[@]}"; do
   fi
 done
 
+export DEBIAN_FRONTEND=noninteractive
+if [ ${#missing[@]} -gt 0 ] || [ "$update_needed" -eq 1 ]; then
+  $SUDO apt-get update -qq
+fi
 if [ ${#missing[@]} -gt 0 ]; then
   echo "deps: installing ${missing[*]}"
-  SUDO=""
-  [ "$(id -u)" -eq 0 ] || SUDO="sudo"
-  export DEBIAN_FRONTEND=noninteractive
-  $SUDO apt-get update -qq
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi
 

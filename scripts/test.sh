@@ -1,8 +1,20 @@
 #!/usr/bin/env bash
-# The full test run: dependencies, Linux build and tests, Windows cross build and tests
-# under Wine, then the consumer example built against an installed copy of the library.
+# The full test run: dependencies, Linux build and tests, Windows cross build and tests under
+# Wine, the consumer example built against an installed copy, then the sanitizer suites
+# (address + undefined behaviour over every test; the thread sanitizer over the thread, pool and
+# regex-cache tests) and a short fuzz run of every fuzz target.
+#
+#   scripts/test.sh              what CI runs
+#   scripts/test.sh --extended   the same with a minute per fuzz target and a minute of load runs
 set -euo pipefail
 cd "$(dirname "$0")/.."
+
+fuzz_seconds=15
+export ZUL_STRESS_SECONDS=3
+if [ "${1:-}" = "--extended" ]; then
+  fuzz_seconds=60
+  export ZUL_STRESS_SECONDS=60
+fi
 
 scripts/deps.sh
 export WINEDEBUG=-all
@@ -31,4 +43,20 @@ done
 
 echo "== consumer example against the installed package"
 scripts/consumer.sh
+
+for preset in linux-asan linux-tsan; do
+  echo "== $preset: configure, build and test"
+  cmake --preset "$preset" >/dev/null
+  mkdir -p build
+  if ! cmake --build --preset "$preset" >"build/$preset-build.log" 2>&1; then
+    tail -50 "build/$preset-build.log"
+    exit 1
+  fi
+  ctest --preset "$preset"
+done
+
+if [ -x scripts/fuzz.sh ]; then
+  echo "== fuzz targets, ${fuzz_seconds} s each"
+  scripts/fuzz.sh "$fuzz_seconds"
+fi
 echo "== all tests passed"

@@ -12,9 +12,9 @@
 // failed; SetErrorCondition(false) clears it.
 //
 // Tear-down waits for every worker except those whose current task was placed with the
-// keep-going flag, and, when the error condition is set, for none. The workers' tables outlive a
-// pool that did not wait for all of its workers (they are left to the process's end), so a
-// worker still running never touches freed memory.
+// keep-going flag, and, when the error condition is set, for none. The workers' tables are
+// shared by the pool and its workers and freed by the last of them to go, so a worker still
+// running never touches freed memory; a worker not waited for leaves as soon as it is idle.
 //
 // Suspend and resume: on Windows the workers' threads are suspended and resumed. POSIX has no
 // way to stop another thread, so there the suspend operations only clear the running flag:

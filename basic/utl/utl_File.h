@@ -111,6 +111,9 @@ public:
     void Open(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing = utl_FileShareDefault);
     // Opens the file if it is not open yet.
     void Init();
+    // Closes the file if it is open (a later use opens it again); a failed close raises
+    // utl_FileExceptionClose.
+    void Close();
 
     void Seek(const utl_FileOffset& position);
     utl_FileOffset Location();

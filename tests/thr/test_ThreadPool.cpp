@@ -80,13 +80,16 @@ TEST_F(ThreadPoolTest, BusyWorkersRefuseALimitedPlacementAndTheLastWorkerTakesTh
     ASSERT_EQ(pool->AddThreads(2), 2);
     thr_CondVar gate;
     std::atomic<int> started{0};
+    std::atomic<int> deleted{0};  // the gate must outlive the tasks that wait on it
     std::atomic<int> workerOf[2] = {{-1}, {-1}};
     for (int t = 0; t < 2; ++t)
-        ASSERT_TRUE(pool->RunTask(new FunctionTask([&, t](int w) {
-            workerOf[t] = w;
-            started.fetch_add(1);
-            gate.WaitForSignal(0);
-        })));
+        ASSERT_TRUE(pool->RunTask(new FunctionTask(
+            [&, t](int w) {
+                workerOf[t] = w;
+                started.fetch_add(1);
+                gate.WaitForSignal(0);
+            },
+            &deleted)));
     ASSERT_TRUE(Eventually([&] { return started.load() == 2; }));
     EXPECT_EQ(workerOf[0].load(), 0);
     EXPECT_EQ(workerOf[1].load(), 1);
@@ -103,6 +106,7 @@ TEST_F(ThreadPoolTest, BusyWorkersRefuseALimitedPlacementAndTheLastWorkerTakesTh
     EXPECT_TRUE(pool->RunTask(new FunctionTask([&](int) { ran = true; }), false, 0));  // waits for a free worker
     opener.join();
     EXPECT_TRUE(Eventually([&] { return ran.load(); }));
+    EXPECT_TRUE(Eventually([&] { return deleted.load() == 2; }));
 }
 
 TEST_F(ThreadPoolTest, AThrowingTaskSetsTheErrorConditionAndThePoolGoesOn)

@@ -37,10 +37,10 @@ struct Event {
     bool set;
 };
 
-timespec DeadlineAfter(long milliseconds)
+timespec DeadlineAfter(clockid_t clock, long milliseconds)
 {
     timespec t;
-    clock_gettime(CLOCK_MONOTONIC, &t);
+    clock_gettime(clock, &t);
     t.tv_sec += milliseconds / 1000;
     t.tv_nsec += (milliseconds % 1000) * 1000000L;
     if (t.tv_nsec >= 1000000000L) {
@@ -98,7 +98,7 @@ bool EventWait(void* event, long milliseconds)
         while (!e->set)
             pthread_cond_wait(&e->cond, &e->mutex);
     } else {
-        const timespec deadline = DeadlineAfter(milliseconds);
+        const timespec deadline = DeadlineAfter(CLOCK_MONOTONIC, milliseconds);
         while (!e->set) {
             if (pthread_cond_timedwait(&e->cond, &e->mutex, &deadline) == ETIMEDOUT)
                 break;
@@ -149,14 +149,7 @@ bool ThreadWait(Thread thread, long milliseconds)
     if (milliseconds < 0) {
         r->joined = pthread_join(r->id, nullptr) == 0;
     } else {
-        timespec deadline;
-        clock_gettime(CLOCK_REALTIME, &deadline);
-        deadline.tv_sec += milliseconds / 1000;
-        deadline.tv_nsec += (milliseconds % 1000) * 1000000L;
-        if (deadline.tv_nsec >= 1000000000L) {
-            deadline.tv_sec += 1;
-            deadline.tv_nsec -= 1000000000L;
-        }
+        const timespec deadline = DeadlineAfter(CLOCK_REALTIME, milliseconds);  // the join clock
         r->joined = pthread_timedjoin_np(r->id, nullptr, &deadline) == 0;
     }
     return r->joined;

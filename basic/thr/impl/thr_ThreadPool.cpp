@@ -42,6 +42,9 @@ struct thr_ThreadPool::Tables {
     bool errorCondition = false;
     std::atomic<bool> running{true};
     std::atomic<bool> closing{false};
+    // The pool and every started worker hold one reference; the last to let go frees the tables.
+    std::atomic<int> references{1};
+    int started = 0;
     std::atomic<int> state[kMaxThreads];
     thr_Mutex slotMutex[kMaxThreads];
     thr_Mutex handOffMutex[kMaxThreads];
@@ -74,6 +77,15 @@ struct thr_ThreadPool::Tables {
         state[i].store(s, std::memory_order_release);
     }
 
+    void Release()
+    {
+        if (references.fetch_sub(1, std::memory_order_acq_rel) != 1)
+            return;
+        for (int i = 0; i < started; ++i)
+            mem_Free(cell[i]);
+        delete this;
+    }
+
     void WorkerLoop(int i);
     void RunPlacedTask(int i);
     void ReportFailedTask(const char* report);
@@ -103,11 +115,14 @@ thr_ThreadPool::~thr_ThreadPool()
     Tables& t = *m_tables;
     const int count = t.count.exchange(0, std::memory_order_acq_rel);
     t.closing.store(true, std::memory_order_release);
-    bool waitedForAll = true;
     const bool failed = ErrorCondition();
     for (int i = 0; i < count; ++i) {
-        if (failed || t.keepGoing[i]) {
-            waitedForAll = false;
+        bool keepGoing;
+        {
+            thr_MutexGuard guard(t.slotMutex[i]);
+            keepGoing = t.keepGoing[i] != 0;
+        }
+        if (failed || keepGoing) {
             t.signal[i].Signal();  // an idle worker sees the pool closing and leaves
             continue;
         }
@@ -127,12 +142,8 @@ thr_ThreadPool::~thr_ThreadPool()
         thr_os::ThreadClose(t.thread[i]);
         t.thread[i] = nullptr;
     }
-    if (waitedForAll) {
-        for (int i = 0; i < count; ++i)
-            mem_Free(t.cell[i]);
-        delete m_tables;
-    }
     m_tables = nullptr;
+    t.Release();
 }
 
 int thr_ThreadPool::Count() const
@@ -167,12 +178,15 @@ int thr_ThreadPool::AddThreads(int n, e_threadType)
         cell->number = k;
         cell->tables = &t;
         t.state[k].store(kIdle, std::memory_order_release);
+        t.references.fetch_add(1, std::memory_order_acq_rel);
         thr_os::Thread thread = thr_os::ThreadStart(&thr_ThreadPool::WorkerEntry, cell);
         if (!thread) {
+            t.references.fetch_sub(1, std::memory_order_acq_rel);
             mem_Free(cell);
             break;
         }
         t.cell[k] = cell;
+        t.started = k + 1;
         t.thread[k] = thread;
         t.count.store(k + 1, std::memory_order_release);
         ++started;
@@ -280,6 +294,10 @@ unsigned thr_ThreadPool::WorkerEntry(void* p)
     const int i = cell->number;
     Tables& t = *cell->tables;
     t_isWorker = true;
+    struct LetGo {
+        Tables& t;
+        ~LetGo() { t.Release(); }
+    } letGo{t};
     try {
         thr_ThreadSingleton<thr_ThreadId>::Instance().SetNumber(i + 1);
         t.WorkerLoop(i);

@@ -72,6 +72,16 @@ utl_File::~utl_File() noexcept(false)
         Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
 }
 
+void utl_File::Close()
+{
+    if (!m_opened)
+        return;
+    m_opened = 0;
+    uint32_t error = 0;
+    if (!FS::Close(m_handle, error))
+        Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
+}
+
 void utl_File::Open(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing)
 {
     m_name = name;

@@ -12,6 +12,8 @@ const unsigned char kMagic[4] = {0x28, 0xC1, 0x1D, 0xAF};
 const int32_t kVersion = 1;
 const int kLockAttempts = 10;
 const int kLockPauseMs = 10;
+// The copy-back from the temporary file runs in pieces of this size.
+const int kCopyPiece = 4 << 20;
 
 // Deletes the temporary save file when the save ends, however it ends.
 class FileRemover {
@@ -70,6 +72,11 @@ void utl_MultisectionFile::ReleaseAll()
         s.newData = nullptr;
     }
     if (m_lockHeld) {
+        // The next writer may open the container as soon as the lock is gone: close it first.
+        try {
+            m_file.Close();
+        } catch (const nex_Exception&) {
+        }
         utl_LockFile::Remove(m_lockPath);
         m_lockHeld = false;
     }
@@ -228,6 +235,12 @@ void utl_MultisectionFile::saveChanges()
         WriteInt(temp, s.newData ? s.newLength : s.storedLength);
         WriteInt(temp, static_cast<int32_t>(s.crc));
     }
+    // One buffer serves every stored section and then the copy-back.
+    int largest = kCopyPiece;
+    for (int i = 0; i < m_sections.Count(); ++i)
+        if (!m_sections[i].newData && m_sections[i].storedLength > largest)
+            largest = m_sections[i].storedLength;
+    Buffer copy(largest);
     for (int i = 0; i < m_sections.Count(); ++i) {
         Section& s = m_sections.Get(i);
         const int32_t q = static_cast<int32_t>(temp.Location().Value());
@@ -238,7 +251,6 @@ void utl_MultisectionFile::saveChanges()
             mem_Free(s.newData);
             s.newData = nullptr;
         } else if (s.storedLength > 0) {
-            Buffer copy(s.storedLength);
             m_file.Seek(s.offset);
             if (m_file.Read(copy.get(), s.storedLength) != s.storedLength)
                 Fail(atr_translate("Data corrupted in section \"%s\"").Arg(s.name).Result());
@@ -251,10 +263,13 @@ void utl_MultisectionFile::saveChanges()
 
     m_file.Extend(size);
     m_file.Seek(0);
-    Buffer whole(size);
     temp.Seek(0);
-    if (temp.Read(whole.get(), size) != size)
-        Fail("Cannot read back the temporary save file.");
-    m_file.Write(whole.get(), size);
+    for (int done = 0; done < size;) {
+        const int piece = size - done < kCopyPiece ? size - done : kCopyPiece;
+        if (temp.Read(copy.get(), piece) != piece)
+            Fail("Cannot read back the temporary save file.");
+        m_file.Write(copy.get(), piece);
+        done += piece;
+    }
     m_file.Flush();
 }

@@ -11,6 +11,10 @@
 //   msf-write PATH LETTER SECTIONS BYTES
 //                  rewrites the container PATH (opened for update) with SECTIONS sections of
 //                  BYTES copies of LETTER each, and saves
+//   msf-count PATH MS
+//                  for MS milliseconds: opens the container PATH for update, adds 1 to the
+//                  decimal number in its section "counter", saves; prints "<updates> <refusals>
+//                  <other failures>", refusals being failures with the lock message
 //   msf-hold PATH  opens the container PATH for update (taking its lock), prints "ready" and
 //                  waits until it is killed
 // Without arguments it ends with status 7.
@@ -21,6 +25,8 @@
 #include <string>
 #include <fcntl.h>
 #include <thread>
+
+#include "nex/nex_Exception.h"
 
 #if defined(_WIN32)
 #include <io.h>
@@ -94,6 +100,32 @@ int main(int argc, char** argv)
                 f.setSectionData(("section" + std::to_string(i)).c_str(), data.data(), static_cast<int>(data.size()));
             f.saveChanges();
         }
+        UTI_BasicUtils_finalize(count);
+    } else if (!std::strcmp(mode, "msf-count") && argc > 3) {
+        int count = 0;
+        UTI_BasicUtils_initialize(count);
+        const auto end = std::chrono::steady_clock::now() + std::chrono::milliseconds(std::atoi(argv[3]));
+        long updates = 0, refusals = 0, others = 0;
+        while (std::chrono::steady_clock::now() < end) {
+            try {
+                utl_MultisectionFile f(argv[2], utl_FileAccessUpdate);
+                std::string text(static_cast<size_t>(f.getSectionLength("counter")), '\0');
+                f.getSectionData("counter", &text[0]);
+                const std::string next = std::to_string(std::atol(text.c_str()) + 1);
+                f.setSectionData("counter", next.data(), static_cast<int>(next.size()));
+                f.saveChanges();
+                ++updates;
+            } catch (const nex_Exception& e) {
+                if (e.UserReport().EndsWith("Cannot create the lock file."))
+                    ++refusals;
+                else {
+                    ++others;
+                    std::fprintf(stderr, "%s\n", e.UserReport().c_str());
+                }
+            }
+        }
+        std::printf("%ld %ld %ld\n", updates, refusals, others);
+        std::fflush(stdout);
         UTI_BasicUtils_finalize(count);
     } else if (!std::strcmp(mode, "msf-hold") && argc > 2) {
         int count = 0;
