@@ -76,7 +76,9 @@ void ReadGiven(const uint8_t* data, size_t size)
     if (!ReadAll(path, size, before))
         return;
 
-    // A container that reads completely survives an update that changes nothing.
+    // A container that reads completely survives an update that changes nothing, and one that
+    // replaces the first section and appends another: the stored sections are copied, the new
+    // data lands where the table says.
     bool saved = Guard::Run([&] {
         utl_MultisectionFile f(path.c_str(), utl_FileAccessUpdate);
         f.saveChanges();
@@ -85,6 +87,30 @@ void ReadGiven(const uint8_t* data, size_t size)
     std::vector<std::pair<std::string, std::string>> after;
     ZUL_FUZZ_CHECK(ReadAll(path, size, after));
     ZUL_FUZZ_CHECK(before == after);
+
+    std::vector<std::pair<std::string, std::string>> expected = before;
+    if (!expected.empty())
+        expected[0].second.assign(expected[0].second.rbegin(), expected[0].second.rend());
+    const std::string added(reinterpret_cast<const char*>(data), size < 300 ? size : 300);
+    bool appended = false;
+    for (auto& section : expected)
+        if (section.first == "zz-added") {
+            section.second = added;
+            appended = true;
+        }
+    if (!appended)
+        expected.emplace_back("zz-added", added);
+    saved = Guard::Run([&] {
+        utl_MultisectionFile f(path.c_str(), utl_FileAccessUpdate);
+        if (!before.empty())
+            f.setSectionData(Cow(before[0].first), expected[0].second.data(), static_cast<int>(expected[0].second.size()));
+        f.setSectionData("zz-added", added.data(), static_cast<int>(added.size()));
+        f.saveChanges();
+    });
+    ZUL_FUZZ_CHECK(saved);
+    after.clear();
+    ZUL_FUZZ_CHECK(ReadAll(path, size + added.size(), after));
+    ZUL_FUZZ_CHECK(expected == after);
 }
 
 void WriteAndReadBack(const uint8_t* data, size_t size)
