@@ -38,7 +38,7 @@ for seeds in fuzz/corpus/*/; do
   ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1}" UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1}" \
     "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
       -print_final_stats=1 -artifact_prefix="$crashes/" "$scratch" >"$log" 2>&1 || status=$?
-  grep -E "^#[0-9]+ *DONE|stat::number_of_executed_units|stat::peak_rss_mb" "$log" | sed 's/^/   /' || true
+  grep -E "^#[0-9]+[[:space:]]+DONE|stat::number_of_executed_units|stat::peak_rss_mb" "$log" | sed 's/^/   /' || true
   if [ "$status" -ne 0 ] || ls "$crashes" | grep -q .; then
     echo "fuzz: $target FAILED (exit $status); see $log and $crashes" >&2
     grep -E "ERROR:|property violated|unexpected|SUMMARY" "$log" | head -5 >&2 || true
