@@ -8,6 +8,7 @@ packages=(
   libgtest-dev libbenchmark-dev libpcre2-dev zlib1g-dev libssl-dev
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix
   wine64
+  clang-14 libclang-rt-14-dev
 )
 
 SUDO=""
