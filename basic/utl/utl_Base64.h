@@ -8,10 +8,11 @@
 // a newline unless its length is a multiple of 57 (then the last line's newline is the end).
 //
 // The decoder accepts exactly what the encoder writes: groups of four alphabet characters, the
-// last group possibly padded ("xx==" or "xxx="), and, when line breaks are asked for, newlines
-// between groups. Anything else (other characters, newlines without the flag, a newline inside a
-// group, a short group, padding before the end, set bits below the last character's used ones)
-// raises utl_Base64Exception naming the offset of the fault.
+// last group possibly padded ("xx==" or "xxx="), and, when line breaks are asked for, lines of
+// exactly 76 characters but the last (1 to 76), each ended by a newline. Anything else (other
+// characters, newlines without the flag, lines of another length, a missing final newline, a
+// newline inside a group, a short group, padding before the end, set bits below the last
+// character's used ones) raises utl_Base64Exception naming the offset of the fault.
 #ifndef UTL_BASE64_H
 #define UTL_BASE64_H
 

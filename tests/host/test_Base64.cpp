@@ -122,6 +122,14 @@ TEST(UtlBase64, RejectsWhatTheEncoderNeverWrites)
     }
     EXPECT_THROW(Decode("Zm9v\n", false), utl_Base64Exception);
     EXPECT_EQ(Decode("Zm9v\n", true), "foo");
+    // With line breaks only the encoder's layout: full lines of 76, a final newline.
+    const std::string wrapped = Encode(std::string(100, 'x'), true);
+    EXPECT_EQ(Decode(wrapped, true), std::string(100, 'x'));
+    EXPECT_THROW(Decode(wrapped.substr(0, wrapped.size() - 1), true), utl_Base64Exception);  // no final newline
+    std::string early = wrapped;
+    early.insert(40, "\n");  // a newline between groups, but not where a line ends
+    EXPECT_THROW(Decode(early, true), utl_Base64Exception);
+    EXPECT_THROW(Decode("Zm9v\n\n", true), utl_Base64Exception);  // an empty line
     try {
         Decode("Zm9vZ*9v", false);
         FAIL();

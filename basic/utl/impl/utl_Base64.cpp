@@ -154,8 +154,33 @@ size_t utl_base64EncodeTo(const unsigned char* data, size_t length, bool lineBre
     return static_cast<size_t>(out - start);
 }
 
+namespace {
+
+// Text with line breaks is what the encoder writes: lines of 76 characters, a shorter last one,
+// every line ended by a newline. Anything else is refused before decoding.
+void CheckLineLayout(const char* text, size_t length)
+{
+    const size_t kLineChars = kLineBytes / 3 * 4;
+    size_t lineStart = 0;
+    while (lineStart < length) {
+        const void* nl = std::memchr(text + lineStart, '\n', length - lineStart);
+        if (!nl)
+            Reject("missing newline at the end of the text", length, __LINE__);
+        const size_t end = static_cast<size_t>(static_cast<const char*>(nl) - text);
+        const size_t chars = end - lineStart;
+        const bool last = end + 1 == length;
+        if (chars == 0 || chars > kLineChars || (!last && chars != kLineChars))
+            Reject("line of the wrong length", lineStart, __LINE__);
+        lineStart = end + 1;
+    }
+}
+
+}  // namespace
+
 size_t utl_base64DecodeTo(const char* text, size_t length, bool lineBreaks, unsigned char* out)
 {
+    if (lineBreaks)
+        CheckLineLayout(text, length);
     const unsigned char* s = reinterpret_cast<const unsigned char*>(text);
     unsigned char* const start = out;
     size_t at = 0;
