@@ -19,8 +19,14 @@
 #include "omi/omi_Singleton.h"
 #include "zul_BasicExport.h"
 
+// Writes a label of one kind for the memory schedule's reports.
+typedef cow_String (*mrm_LabelPrinter)(const mrm_Label& label);
+
 class ZUL_BASIC_API mrm_Manager : public omi_Singleton<mrm_Manager> {
 public:
+    // Label kinds: void, job phase, test, step phase.
+    enum { kVoidLabel = 0, kJobPhaseLabel = 1, kTestLabel = 2, kStepPhaseLabel = 3, kLabelKinds = 4 };
+
     // The instance, made on first use.
     static mrm_Manager& Instance();
     static bool Exists();
@@ -28,6 +34,14 @@ public:
     static void Finalize();
 
     mrm_BlockTable& GetBlockTable() { return m_table; }
+
+    // The printer for one kind of label (a later registration replaces an earlier one); kinds
+    // outside 0..3 raise mrm_Exception.
+    void RegisterLabelPrinter(int kind, mrm_LabelPrinter printer);
+    // The label as its kind's printer writes it; the bare name when the kind has none.
+    cow_String PrintLabel(int kind, const mrm_Label& label) const;
+    // The four printers the mrm module registers at start-up, for kinds 1, 2, 3 and 0.
+    static void RegisterStandardLabelPrinters(mrm_Manager& manager);
 
     // Pool definitions: the capacity a large-block pool gets when it is started by label.
     // Defining a label again replaces its capacity.
@@ -74,6 +88,7 @@ private:
     cow_1DArrayList<mrm_Pool*> m_pools;
     mrm_LargeBlockPool* m_default;
     int m_nextAltNumber;
+    mrm_LabelPrinter m_printers[kLabelKinds];
 };
 
 // Large-block pools by label.

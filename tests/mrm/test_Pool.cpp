@@ -151,3 +151,16 @@ TEST(MrmManager, DefaultPoolEndsAndTheManagerStartsAfresh)
 }
 
 }  // namespace
+
+TEST(MrmLabelPrinters, TheFourKindsPrintTheirLabelsAndOthersAreRefused)
+{
+    mrm_Manager& manager = mrm_Manager::Instance();
+    mrm_Manager::RegisterStandardLabelPrinters(manager);
+    EXPECT_STREQ(manager.PrintLabel(mrm_Manager::kJobPhaseLabel, "solve").c_str(), "job phase solve");
+    EXPECT_STREQ(manager.PrintLabel(mrm_Manager::kTestLabel, "t1").c_str(), "test t1");
+    EXPECT_STREQ(manager.PrintLabel(mrm_Manager::kStepPhaseLabel, "s2").c_str(), "step phase s2");
+    EXPECT_STREQ(manager.PrintLabel(mrm_Manager::kVoidLabel, "x").c_str(), "(no label)");
+    EXPECT_STREQ(manager.PrintLabel(7, "bare").c_str(), "bare");
+    EXPECT_THROW(manager.RegisterLabelPrinter(4, nullptr), mrm_Exception);
+    EXPECT_THROW(manager.RegisterLabelPrinter(-1, nullptr), mrm_Exception);
+}

@@ -9,7 +9,7 @@ int g_useCount = 0;
 
 void StartUp()
 {
-    mrm_Manager::Instance();
+    mrm_Manager::RegisterStandardLabelPrinters(mrm_Manager::Instance());
 }
 
 // Ends every pool still active and frees the block table with whatever memory it holds.

@@ -53,7 +53,7 @@ void mrm_Manager::Finalize()
     omi_SingletonBase<mrm_Manager>::Finalize();
 }
 
-mrm_Manager::mrm_Manager() : m_default(nullptr), m_nextAltNumber(1)
+mrm_Manager::mrm_Manager() : m_default(nullptr), m_nextAltNumber(1), m_printers{nullptr, nullptr, nullptr, nullptr}
 {
     mrm_Capacity unlimited;
     unlimited.SetUnlimited();
@@ -211,4 +211,55 @@ mrm_Pool* mrm_PoolFactory::SpotStartup(const mrm_Label& label, const mrm_Label& 
 void mrm_PoolFactory::Shutdown(mrm_Pool* pool)
 {
     mrm_Manager::Instance().ShutdownPool(pool);
+}
+
+void mrm_Manager::RegisterLabelPrinter(int kind, mrm_LabelPrinter printer)
+{
+    if (kind < 0 || kind >= kLabelKinds) {
+        mrm_Exception failure(atr_translate("mrm_Manager: no label kind %d").Arg(kind).Result());
+        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    }
+    m_printers[kind] = printer;
+}
+
+cow_String mrm_Manager::PrintLabel(int kind, const mrm_Label& label) const
+{
+    if (kind >= 0 && kind < kLabelKinds && m_printers[kind])
+        return m_printers[kind](label);
+    return label.GetName();
+}
+
+namespace {
+
+cow_String PrintJobPhase(const mrm_Label& label)
+{
+    cow_String text("job phase ");
+    return text += label.GetName();
+}
+
+cow_String PrintTest(const mrm_Label& label)
+{
+    cow_String text("test ");
+    return text += label.GetName();
+}
+
+cow_String PrintStepPhase(const mrm_Label& label)
+{
+    cow_String text("step phase ");
+    return text += label.GetName();
+}
+
+cow_String PrintVoid(const mrm_Label&)
+{
+    return cow_String("(no label)");
+}
+
+}  // namespace
+
+void mrm_Manager::RegisterStandardLabelPrinters(mrm_Manager& manager)
+{
+    manager.RegisterLabelPrinter(kJobPhaseLabel, &PrintJobPhase);
+    manager.RegisterLabelPrinter(kTestLabel, &PrintTest);
+    manager.RegisterLabelPrinter(kStepPhaseLabel, &PrintStepPhase);
+    manager.RegisterLabelPrinter(kVoidLabel, &PrintVoid);
 }
