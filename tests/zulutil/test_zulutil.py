@@ -20,9 +20,9 @@ TOOL = None
 WINE = None
 
 
-def run(args, stdin=b"", cwd=None):
+def run(args, stdin=b"", cwd=None, stdout=subprocess.PIPE):
     command = ([WINE] if WINE else []) + [TOOL] + args
-    p = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=cwd, timeout=300)
+    p = subprocess.run(command, input=stdin, stdout=stdout, stderr=subprocess.PIPE, cwd=cwd, timeout=300)
     return p.returncode, p.stdout, p.stderr
 
 
@@ -44,8 +44,8 @@ class ToolTest(unittest.TestCase):
         with open(self.path(name), "rb") as f:
             return f.read()
 
-    def tool(self, *args, stdin=b""):
-        return run(list(args), stdin=stdin, cwd=self.dir)
+    def tool(self, *args, stdin=b"", stdout=subprocess.PIPE):
+        return run(list(args), stdin=stdin, cwd=self.dir, stdout=stdout)
 
 
 class ContainerTest(ToolTest):
@@ -247,6 +247,21 @@ class OtherCommandsTest(ToolTest):
         self.assertEqual(facts["platform"].strip(), "win86_64" if WINE else "lnx86_64")
         self.assertGreaterEqual(int(facts["processors"]), 1)
         self.assertIn(facts["sse3"].strip(), ["yes", "no"])
+
+    def test_a_failed_write_to_standard_output_is_status_two(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("no /dev/full")
+        self.write("a.txt", b"x" * 100)
+        self.write("key", b"key\n")
+        self.write("c.msf", msf_format.write([(b"s", b"data" * 5000)]))
+        for args in [["md5", "a.txt"], ["crc", "a.txt"], ["base64", "a.txt"], ["msf", "list", "c.msf"],
+                     ["msf", "verify", "c.msf"], ["msf", "get", "c.msf", "s"], ["msf", "unlock", "c.msf"],
+                     ["encrypt", "-cipher", "rotor", "-keyfile", "key", "a.txt"], ["rgx", "match", "x", "x"],
+                     ["host"], ["help"]]:
+            with open("/dev/full", "wb") as full:
+                status, _, err = self.tool(*args, stdout=full)
+            self.assertEqual(status, 2, args)
+            self.assertIn(b"zulutil: write error on standard output", err, args)
 
     def test_bad_arguments_give_status_two_and_usage(self):
         for args in [[], ["bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:

@@ -115,7 +115,7 @@ int main()
         std::fprintf(stderr, "zulutil: %s\n", e.UserReport().c_str());
         status = zulutil_BadUsage;
     }
-    std::fflush(stdout);
+    status = zulutil_FinishStandardOutput(status);
     UTI_BasicUtils_finalize(count);
     return status;
 }
