@@ -113,7 +113,9 @@ TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
             ASSERT_EQ(saves.size(), 1u) << "round " << round << ": container broken and no save file";
             const char saved = ContentsOf(saves[0]);
             ASSERT_NE(saved, 0) << "round " << round << ": the save file is incomplete";
-            fs::copy_file(saves[0], path, fs::copy_options::overwrite_existing);
+            // Removed first: MinGW's copy_file refuses an existing target even when told to overwrite.
+            fs::remove(path);
+            fs::copy_file(saves[0], path);
             letter = ContentsOf(path);
             ASSERT_EQ(letter, saved);
             ++restored;
