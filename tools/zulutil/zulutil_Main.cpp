@@ -91,7 +91,8 @@ int zulutil_Usage(const std::string& command, int status)
         std::fprintf(out, "usage: zulutil COMMAND ...   (zulutil help COMMAND for one command)\n");
         for (const Command& each : kCommands)
             std::fprintf(out, "%s", each.usage);
-        std::fprintf(out, "Exit status: 0 success, 1 a check failed, 2 usage or input error.\n");
+        std::fprintf(out, "Exit status: 0 success, 1 a check failed, 2 usage or input error or a failed write to\n"
+                             "standard output.\n");
     }
     return status;
 }
