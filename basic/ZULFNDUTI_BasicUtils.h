@@ -100,6 +100,7 @@
 #include "utl/utl_FileLock.h"
 #include "utl/utl_FileOffset.h"
 #include "utl/utl_MultisectionFile.h"
+#include "utl/utl_MultisectionLockOwner.h"
 #include "utl/utl_FilePath.h"
 #include "utl/utl_FilePathParser.h"
 #include "utl/utl_HostInfo.h"

@@ -7,11 +7,15 @@ install(TARGETS ZULFNDUTI_CoreUtils ZULFNDUTI_BasicUtils
   LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR}
   ARCHIVE DESTINATION ${CMAKE_INSTALL_LIBDIR})
 
+# The public headers, file by file: a module folder with impl headers only (sys) leaves no empty
+# folder behind.
 foreach(tree core basic)
-  install(DIRECTORY ${PROJECT_SOURCE_DIR}/${tree}/
-    DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ZULFNDUTI
-    FILES_MATCHING PATTERN "*.h"
-    PATTERN "impl" EXCLUDE)
+  zul_collect_headers(${PROJECT_SOURCE_DIR}/${tree} headers)
+  foreach(header IN LISTS headers)
+    file(RELATIVE_PATH rel ${PROJECT_SOURCE_DIR}/${tree} ${header})
+    get_filename_component(dir ${rel} DIRECTORY)
+    install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ZULFNDUTI/${dir})
+  endforeach()
 endforeach()
 
 if(ZUL_MINGW_RUNTIME_DLLS)

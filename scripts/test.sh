@@ -1,8 +1,9 @@
 #!/usr/bin/env bash
 # The full test run: dependencies, Linux build and tests, Windows cross build and tests under
 # Wine, the consumer example built against an installed copy, then the sanitizer suites
-# (address + undefined behaviour over every test; the thread sanitizer over the thread, pool and
-# regex-cache tests) and a short fuzz run of every fuzz target.
+# (address + undefined behaviour over every test; the thread sanitizer over every test program
+# that starts threads or child processes, listed in tests/README.md) and a short fuzz run of
+# every fuzz target.
 #
 #   scripts/test.sh              what CI runs
 #   scripts/test.sh --extended   the same with a minute per fuzz target and a minute of load runs

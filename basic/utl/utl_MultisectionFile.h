@@ -7,7 +7,9 @@
 // significant bit first, initial value 0xFFFFFFFF, no final XOR).
 //
 // Opening for update or write takes a lock: the file "<path>.lock", created exclusively (10
-// attempts, 10 ms apart), deleted when the object goes. Readers take no lock. Sections are read
+// attempts, 10 ms apart), deleted when the object goes. Readers take no lock. The lock file
+// names its owner (see utl_MultisectionLockOwner.h), so that a lock left by a writer that
+// crashed can be told from a live one and removed with RemoveLock. Sections are read
 // and checked whole; setSectionData keeps new data in memory until saveChanges, which writes
 // the whole container to "<path>.<pid>.tmp", copies it back over the container in place and
 // deletes the temporary file whatever happens. Unsaved changes are dropped at destruction.
@@ -27,6 +29,7 @@
 #include "cow/cow_1DArrayList.h"
 #include "cow/cow_String.h"
 #include "utl/utl_File.h"
+#include "utl/utl_MultisectionLockOwner.h"
 #include "zul_BasicExport.h"
 
 // CRC-32/MPEG-2 of a buffer, continuing from crc (start with 0xFFFFFFFF). On processors with
@@ -58,6 +61,15 @@ public:
     int SectionCount() const { return m_sections.Count(); }
     cow_String SectionName(int index) const { return m_sections[index].name; }
     uint32_t SectionCrc(int index) const { return m_sections[index].crc; }
+
+    // The owner of the lock on the container at `path`; false when the container is not locked
+    // (owner then unknown).
+    static bool LockOwner(const cow_String& path, utl_MultisectionLockOwner& owner);
+    // Removes the lock on the container at `path` when it is stale, or whatever its owner when
+    // `force`; `owner` tells who held it. A lock file that cannot be removed raises "Cannot
+    // remove the lock file.". Between reading the owner and removing the file no other process
+    // is excluded: remove locks while no writer may be starting on the container.
+    static utl_MultisectionUnlockEnm RemoveLock(const cow_String& path, bool force, utl_MultisectionLockOwner& owner);
 
     struct Section {
         cow_String name;

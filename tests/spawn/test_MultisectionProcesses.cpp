@@ -1,7 +1,9 @@
 // Containers shared between processes: a writer killed at any moment of a save leaves either a
 // valid container or a complete temporary save file beside it from which the container can be
-// restored; a second writer is refused by the lock while readers still read. The writers are
-// real child processes, ended abruptly (SIGKILL, TerminateProcess).
+// restored; a second writer is refused by the lock while readers still read; the lock names its
+// owner, so that the lock of a killed writer is told stale and removed (by the library and by
+// zulutil) while a live one is kept. The writers are real child processes, ended abruptly
+// (SIGKILL, TerminateProcess).
 #include <gtest/gtest.h>
 
 #include <chrono>
@@ -111,7 +113,9 @@ TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
             ASSERT_EQ(saves.size(), 1u) << "round " << round << ": container broken and no save file";
             const char saved = ContentsOf(saves[0]);
             ASSERT_NE(saved, 0) << "round " << round << ": the save file is incomplete";
-            fs::copy_file(saves[0], path, fs::copy_options::overwrite_existing);
+            // Removed first: MinGW's copy_file refuses an existing target even when told to overwrite.
+            fs::remove(path);
+            fs::copy_file(saves[0], path);
             letter = ContentsOf(path);
             ASSERT_EQ(letter, saved);
             ++restored;
@@ -126,12 +130,22 @@ TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
     EXPECT_EQ(sawOld + sawNew, kRounds);
 }
 
-TEST(MultisectionProcesses, ASecondWriterIsRefusedByTheLockButAReaderReads)
+// Runs zulutil with the arguments; its standard output and error go to `output`.
+int RunTool(const std::vector<std::string>& args, const std::string& output)
+{
+    uti_Redirection redirection(-1, zul_test::OpenForWriting(output), 1);
+    uti_Spawn tool;
+    tool.Start(zul_test::ProgramPath("zulutil").c_str(), zul_test::Arguments(args), redirection);
+    return tool.Reap(0);
+}
+
+TEST(MultisectionProcesses, AKilledWritersLockIsToldStaleAndRemovedALiveOneIsKept)
 {
     zul_test::TempDir dir;
     const std::string path = dir.File("shared.msf");
+    const std::string lockPath = path + ".lock";
+    const std::string said = dir.File("said.out");
     WriteAll(path, 'A');
-    const std::string said = dir.File("holder.out");
     uti_Spawn holder;
     StartChild(holder, {"msf-hold", path}, zul_test::OpenForWriting(said));
     bool ready = false;
@@ -141,6 +155,14 @@ TEST(MultisectionProcesses, ASecondWriterIsRefusedByTheLockButAReaderReads)
     }
     ASSERT_TRUE(ready) << "the holder never took the lock";
 
+    // A live owner: named in the lock file, refused by a second writer and by unlock.
+    utl_MultisectionLockOwner owner;
+    ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), owner));
+    const utl_MultisectionLockOwner self = utl_MultisectionLockOwner::Current();
+    EXPECT_TRUE(owner.known);
+    EXPECT_NE(owner.processId, self.processId);
+    EXPECT_EQ(owner.host, self.host);
+    EXPECT_EQ(owner.State(), utl_MultisectionLockLive);
     const auto start = std::chrono::steady_clock::now();
     try {
         utl_MultisectionFile second(path.c_str(), utl_FileAccessUpdate);
@@ -148,11 +170,93 @@ TEST(MultisectionProcesses, ASecondWriterIsRefusedByTheLockButAReaderReads)
     } catch (const nex_TextException& e) {
         EXPECT_TRUE(e.UserReport().EndsWith("Cannot create the lock file.")) << e.UserReport().c_str();
     }
-    const double waited = std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-    RecordProperty("refusal_ms", static_cast<int>(waited * 1000));
+    RecordProperty("refusal_ms", static_cast<int>(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() * 1000));
     EXPECT_EQ(ContentsOf(path), 'A') << "a reader still reads";
+#ifdef ZUL_TEST_ZULUTIL
+    EXPECT_EQ(RunTool({"msf", "unlock", path}, said), 1);
+    EXPECT_NE(zul_test::ReadFileBytes(said).find("pid " + std::to_string(owner.processId)), std::string::npos)
+        << "the refusal names the owner: " << zul_test::ReadFileBytes(said);
+#endif
+    EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner), utl_MultisectionUnlockRefused);
+    ASSERT_TRUE(fs::exists(lockPath)) << "a live owner's lock was removed";
+
+    // Killed, the same owner is stale; unlock removes its lock and the next writer gets in.
     holder.Kill();
     holder.Reap(0);
+    utl_MultisectionLockOwner after;
+    ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), after));
+    EXPECT_EQ(after.processId, owner.processId);
+    EXPECT_EQ(after.State(), utl_MultisectionLockStale);
+#ifdef ZUL_TEST_ZULUTIL
+    EXPECT_EQ(RunTool({"msf", "list", path}, said), 0);
+    EXPECT_NE(zul_test::ReadFileBytes(said).find("no longer runs"), std::string::npos) << zul_test::ReadFileBytes(said);
+    EXPECT_EQ(RunTool({"msf", "unlock", path}, said), 0) << zul_test::ReadFileBytes(said);
+#else
+    EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, after), utl_MultisectionUnlockRemoved);
+#endif
+    EXPECT_FALSE(fs::exists(lockPath));
+    WriteAll(path, 'B');
+    EXPECT_EQ(ContentsOf(path), 'B');
+}
+
+// The owner line, and which owners count as stale, on locks written by hand.
+TEST(MultisectionProcesses, OnlyAnOwnerKnownToHaveEndedOnThisHostIsStale)
+{
+    zul_test::TempDir dir;
+    const std::string path = dir.File("c.msf");
+    const std::string lockPath = path + ".lock";
+    const utl_MultisectionLockOwner self = utl_MultisectionLockOwner::Current();
+    ASSERT_FALSE(self.host.IsEmpty());
+    ASSERT_FALSE(self.started.IsEmpty());
+    utl_MultisectionLockOwner owner;
+    EXPECT_FALSE(utl_MultisectionFile::LockOwner(path.c_str(), owner));
+    EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner), utl_MultisectionUnlockNotLocked);
+    {
+        utl_MultisectionFile writer(path.c_str(), utl_FileAccessWrite);
+        EXPECT_EQ(zul_test::ReadFileBytes(lockPath), "pid=" + std::to_string(self.processId) + " host=" + self.host.c_str() +
+                                                         " started=" + self.started.c_str() + "\n");
+        ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), owner));
+        EXPECT_EQ(owner.State(), utl_MultisectionLockLive);
+        EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner), utl_MultisectionUnlockRefused);
+        writer.saveChanges();
+    }
+    EXPECT_FALSE(fs::exists(lockPath));
+
+    const std::string pid = std::to_string(self.processId), host = self.host.c_str(), started = self.started.c_str();
+    struct Case {
+        std::string text;
+        utl_MultisectionLockStateEnm state;
+    } cases[] = {
+        {"pid=" + pid + " host=" + host + " started=" + started + "\r\nmore\n", utl_MultisectionLockLive},
+        {"extra=1 started=" + started + " host=" + host + " pid=" + pid, utl_MultisectionLockLive},
+        // The id now belongs to a process that started at another time.
+        {"pid=" + pid + " host=" + host + " started=1" + started + "\n", utl_MultisectionLockStale},
+        // A start time this platform cannot have written: whether it runs cannot be told.
+        {"pid=" + pid + " host=" + host + " started=later\n", utl_MultisectionLockLive},
+        {"pid=" + pid + " host=" + host + "x started=1" + started + "\n", utl_MultisectionLockOtherHost},
+        {"pid=" + pid + " host= started=1" + started + "\n", utl_MultisectionLockOtherHost},
+        {"", utl_MultisectionLockUnknownOwner},
+        {"pid=0 host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
+        {"pid=4294967296 host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
+        {"pid=12a host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
+        {"pid=" + pid + " host=" + host + "\n", utl_MultisectionLockUnknownOwner},
+        {"pid=" + pid + "  host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
+        {"\npid=" + pid + " host=" + host + " started=1" + started, utl_MultisectionLockUnknownOwner},
+    };
+    for (const Case& c : cases) {
+        zul_test::WriteFileBytes(lockPath, c.text);
+        ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), owner)) << c.text;
+        EXPECT_EQ(owner.State(), c.state) << c.text;
+        EXPECT_EQ(owner.known, c.state != utl_MultisectionLockUnknownOwner) << c.text;
+        const bool stale = c.state == utl_MultisectionLockStale;
+        EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner),
+                  stale ? utl_MultisectionUnlockRemoved : utl_MultisectionUnlockRefused) << c.text;
+        EXPECT_EQ(fs::exists(lockPath), !stale) << c.text;
+        if (!stale) {
+            EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), true, owner), utl_MultisectionUnlockRemoved);
+            EXPECT_FALSE(fs::exists(lockPath));
+        }
+    }
 }
 
 }  // namespace

@@ -15,19 +15,24 @@
 
 namespace zul_test {
 
-std::string ChildPath()
+std::string ProgramPath(const std::string& name)
 {
 #if defined(_WIN32)
     char self[MAX_PATH + 1];
     const DWORD n = GetModuleFileNameA(nullptr, self, MAX_PATH);
     std::string path(self, n);
-    return path.substr(0, path.find_last_of("\\/") + 1) + "zul_child.exe";
+    return path.substr(0, path.find_last_of("\\/") + 1) + name + ".exe";
 #else
     char self[PATH_MAX + 1];
     const ssize_t n = readlink("/proc/self/exe", self, PATH_MAX);
     std::string path(self, n > 0 ? static_cast<size_t>(n) : 0);
-    return path.substr(0, path.find_last_of('/') + 1) + "zul_child";
+    return path.substr(0, path.find_last_of('/') + 1) + name;
 #endif
+}
+
+std::string ChildPath()
+{
+    return ProgramPath("zul_child");
 }
 
 int OpenForReading(const std::string& path)

@@ -10,6 +10,8 @@
 
 namespace zul_test {
 
+// A program built beside the test program ("zul_child", "zulutil"; ".exe" added on Windows).
+std::string ProgramPath(const std::string& name);
 // The helper program zul_child beside the test program.
 std::string ChildPath();
 // Runtime descriptors (binary mode): a file opened for reading; created or truncated for writing.

@@ -20,9 +20,9 @@ TOOL = None
 WINE = None
 
 
-def run(args, stdin=b"", cwd=None):
+def run(args, stdin=b"", cwd=None, stdout=subprocess.PIPE):
     command = ([WINE] if WINE else []) + [TOOL] + args
-    p = subprocess.run(command, input=stdin, stdout=subprocess.PIPE, stderr=subprocess.PIPE, cwd=cwd, timeout=300)
+    p = subprocess.run(command, input=stdin, stdout=stdout, stderr=subprocess.PIPE, cwd=cwd, timeout=300)
     return p.returncode, p.stdout, p.stderr
 
 
@@ -44,8 +44,8 @@ class ToolTest(unittest.TestCase):
         with open(self.path(name), "rb") as f:
             return f.read()
 
-    def tool(self, *args, stdin=b""):
-        return run(list(args), stdin=stdin, cwd=self.dir)
+    def tool(self, *args, stdin=b"", stdout=subprocess.PIPE):
+        return run(list(args), stdin=stdin, cwd=self.dir, stdout=stdout)
 
 
 class ContainerTest(ToolTest):
@@ -123,6 +123,38 @@ class ContainerTest(ToolTest):
         self.assertEqual(self.tool("msf", "recover", "d.msf")[0], 1)
         self.assertEqual(self.read("d.msf"), good[:30])
 
+    def test_locks_are_reported_and_only_stale_ones_removed_unforced(self):
+        self.write("c.msf", msf_format.write([(b"s", b"data")]))
+        lock = self.path("c.msf.lock")
+        self.assertEqual(self.tool("msf", "unlock", "c.msf")[:2], (0, b"c.msf: not locked\n"))
+        # An empty lock file (an older writer's, or one that ended before writing): owner unknown.
+        self.write("c.msf.lock", b"")
+        for action in ["list", "verify"]:
+            status, out, _ = self.tool("msf", action, "c.msf")
+            self.assertEqual(status, 0, action)
+            self.assertEqual(out.splitlines()[0], b"c.msf: locked by an unknown owner (empty or unreadable lock file)")
+        status, _, err = self.tool("msf", "unlock", "c.msf")
+        self.assertEqual(status, 1)
+        self.assertIn(b"unknown owner", err)
+        self.assertTrue(os.path.exists(lock))
+        self.assertEqual(self.tool("msf", "unlock", "c.msf", "-force")[0], 0)
+        self.assertFalse(os.path.exists(lock))
+        # An owner on another host: named, and kept without -force.
+        self.write("c.msf.lock", b"pid=4711 host=elsewhere.invalid started=1/x\n")
+        owner = b"pid 4711 on host elsewhere.invalid, started 1/x"
+        status, out, _ = self.tool("msf", "list", "c.msf")
+        self.assertEqual(status, 0)
+        self.assertEqual(out.splitlines()[0], b"c.msf: locked by " + owner + b"; another host: whether it runs cannot be told here")
+        self.assertIn(b"1 sections", out.splitlines()[1])
+        status, _, err = self.tool("msf", "unlock", "c.msf")
+        self.assertEqual(status, 1)
+        self.assertIn(owner, err)
+        self.assertTrue(os.path.exists(lock))
+        status, out, _ = self.tool("msf", "unlock", "c.msf", "-force")
+        self.assertEqual((status, out), (0, b"c.msf: removed the lock of " + owner + b"\n"))
+        self.assertFalse(os.path.exists(lock))
+        self.assertEqual(self.tool("msf", "unlock")[0], 2)
+
     def test_killed_save_then_recover_gives_a_valid_container(self):
         if WINE:
             self.skipTest("SIGKILL of a Windows process under Wine is not a crash of the process alone")
@@ -136,8 +168,9 @@ class ContainerTest(ToolTest):
             time.sleep(rng.uniform(0.0, 0.4))
             p.send_signal(signal.SIGKILL)
             p.wait()
-            if os.path.exists(self.path("big.msf.lock")):
-                os.remove(self.path("big.msf.lock"))  # the killed writer's lock
+            # The killed writer's lock, if it took one, is stale.
+            self.assertEqual(self.tool("msf", "unlock", "big.msf")[0], 0)
+            self.assertFalse(os.path.exists(self.path("big.msf.lock")))
             if self.tool("msf", "verify", "big.msf")[0] != 0:
                 self.assertEqual(self.tool("msf", "recover", "big.msf")[0], 0)
             self.assertEqual(self.tool("msf", "verify", "big.msf")[0], 0, "attempt %d" % attempt)
@@ -214,6 +247,21 @@ class OtherCommandsTest(ToolTest):
         self.assertEqual(facts["platform"].strip(), "win86_64" if WINE else "lnx86_64")
         self.assertGreaterEqual(int(facts["processors"]), 1)
         self.assertIn(facts["sse3"].strip(), ["yes", "no"])
+
+    def test_a_failed_write_to_standard_output_is_status_two(self):
+        if not os.path.exists("/dev/full"):
+            self.skipTest("no /dev/full")
+        self.write("a.txt", b"x" * 100)
+        self.write("key", b"key\n")
+        self.write("c.msf", msf_format.write([(b"s", b"data" * 5000)]))
+        for args in [["md5", "a.txt"], ["crc", "a.txt"], ["base64", "a.txt"], ["msf", "list", "c.msf"],
+                     ["msf", "verify", "c.msf"], ["msf", "get", "c.msf", "s"], ["msf", "unlock", "c.msf"],
+                     ["encrypt", "-cipher", "rotor", "-keyfile", "key", "a.txt"], ["rgx", "match", "x", "x"],
+                     ["host"], ["help"]]:
+            with open("/dev/full", "wb") as full:
+                status, _, err = self.tool(*args, stdout=full)
+            self.assertEqual(status, 2, args)
+            self.assertIn(b"zulutil: write error on standard output", err, args)
 
     def test_bad_arguments_give_status_two_and_usage(self):
         for args in [[], ["bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:

@@ -1,7 +1,8 @@
 // zulutil: shared pieces of the tool's commands.
 //
-// Exit statuses: 0 success, 1 a check failed, 2 usage or input error. Every library failure is
-// reported as the exception's user report on standard error.
+// Exit statuses: 0 success, 1 a check failed, 2 usage or input error (a failed write to standard
+// output included). Every library failure is reported as the exception's user report on
+// standard error.
 #ifndef ZULUTIL_H
 #define ZULUTIL_H
 
@@ -33,6 +34,10 @@ void zulutil_WriteAll(const std::string& path, const std::string& bytes);
 // Streams a file (or standard input) in pieces, showing progress on a terminal for large files.
 void zulutil_ForEachPiece(const std::string& path, void (*piece)(void* context, const char* data, size_t n), void* context);
 void zulutil_SetBinaryStandardStreams();
+// Flushes standard output. When that or any earlier write to it failed, reports the failure on
+// standard error ("zulutil: write error on standard output: <system text>") and returns 2;
+// otherwise returns `status`.
+int zulutil_FinishStandardOutput(int status);
 
 // Prints the usage of one command (all commands for an empty name) and returns `status`.
 int zulutil_Usage(const std::string& command, int status);

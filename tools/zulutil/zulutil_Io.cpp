@@ -1,4 +1,6 @@
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <string>
 
 #include "nex/nex_Exception.h"
@@ -19,6 +21,15 @@ namespace {
 
 const size_t kPiece = size_t(1) << 20;
 const uint64_t kProgressThreshold = uint64_t(64) << 20;
+
+// The error number of the first failed write to standard output; -1 when it is not known.
+int g_outputError = 0;
+
+void NoteOutputError(int error)
+{
+    if (g_outputError == 0)
+        g_outputError = error != 0 ? error : -1;
+}
 
 bool IsStandardStream(const std::string& path)
 {
@@ -86,10 +97,10 @@ std::string zulutil_ReadAll(const std::string& path)
 void zulutil_WriteAll(const std::string& path, const std::string& bytes)
 {
     if (IsStandardStream(path)) {
-        if (!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size())
-            StreamFailure("error writing standard output");
-        if (std::fflush(stdout) != 0)
-            StreamFailure("error writing standard output");
+        // A failure stops the output here; zulutil_FinishStandardOutput reports it.
+        errno = 0;
+        if ((!bytes.empty() && std::fwrite(bytes.data(), 1, bytes.size(), stdout) != bytes.size()) || std::fflush(stdout) != 0)
+            NoteOutputError(errno);
         return;
     }
     utl_File file(path.c_str(), utl_FileAccessWrite);
@@ -100,4 +111,18 @@ void zulutil_WriteAll(const std::string& path, const std::string& bytes)
         done += n;
     }
     file.Flush();
+}
+
+int zulutil_FinishStandardOutput(int status)
+{
+    errno = 0;
+    if (std::fflush(stdout) != 0 || std::ferror(stdout))
+        NoteOutputError(errno);
+    if (g_outputError == 0)
+        return status;
+    if (g_outputError > 0)
+        std::fprintf(stderr, "zulutil: write error on standard output: %s\n", std::strerror(g_outputError));
+    else
+        std::fprintf(stderr, "zulutil: write error on standard output\n");
+    return zulutil_BadUsage;
 }

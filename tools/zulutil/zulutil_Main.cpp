@@ -24,11 +24,16 @@ const Command kCommands[] = {
     {"msf",
      "zulutil msf list FILE                    sections with length, CRC and check\n"
      "zulutil msf verify FILE                  status 0 when every section checks, 1 otherwise\n"
+     "                                         (both say first when FILE is locked, by whom and\n"
+     "                                         whether that writer still runs)\n"
      "zulutil msf get FILE SECTION [-o OUT]    a section's bytes to OUT or standard output\n"
      "zulutil msf put FILE SECTION [INPUT]     sets a section from INPUT or standard input and\n"
      "                                         saves (creates the container when missing)\n"
      "zulutil msf recover FILE                 restores a damaged container from the complete\n"
-     "                                         temporary save file beside it\n",
+     "                                         temporary save file beside it\n"
+     "zulutil msf unlock FILE [-force]         removes a lock whose writer no longer runs on this\n"
+     "                                         host (status 0, also when FILE is not locked);\n"
+     "                                         refuses otherwise (status 1); -force removes it anyway\n",
      &zulutil_Msf},
     {"md5", "zulutil md5 [FILE...]                    MD5 digests, in md5sum's format\n", &zulutil_Md5},
     {"crc", "zulutil crc [FILE...]                    the container checksum of each file, in hex\n", &zulutil_Crc},
@@ -86,7 +91,8 @@ int zulutil_Usage(const std::string& command, int status)
         std::fprintf(out, "usage: zulutil COMMAND ...   (zulutil help COMMAND for one command)\n");
         for (const Command& each : kCommands)
             std::fprintf(out, "%s", each.usage);
-        std::fprintf(out, "Exit status: 0 success, 1 a check failed, 2 usage or input error.\n");
+        std::fprintf(out, "Exit status: 0 success, 1 a check failed, 2 usage or input error or a failed write to\n"
+                             "standard output.\n");
     }
     return status;
 }
@@ -110,7 +116,7 @@ int main()
         std::fprintf(stderr, "zulutil: %s\n", e.UserReport().c_str());
         status = zulutil_BadUsage;
     }
-    std::fflush(stdout);
+    status = zulutil_FinishStandardOutput(status);
     UTI_BasicUtils_finalize(count);
     return status;
 }

@@ -1,4 +1,4 @@
-// msf: list, verify, read, write and recover container files.
+// msf: list, verify, read, write, recover and unlock container files.
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -22,6 +22,30 @@ int StatusOfOpenFailure(const nex_Exception& e)
         text.find("Invalid file type") != std::string::npos || text.find("Unsupported file format") != std::string::npos)
         return zulutil_BadUsage;
     return zulutil_CheckFailed;
+}
+
+// "FILE: locked by <owner>; <whether it runs>", for a container with a lock file.
+std::string LockLine(const std::string& path, const utl_MultisectionLockOwner& owner)
+{
+    std::string line = path + ": locked by " + owner.Describe().c_str();
+    switch (owner.State()) {
+    case utl_MultisectionLockUnknownOwner:
+        return line + " (empty or unreadable lock file)";
+    case utl_MultisectionLockLive:
+        return line + "; it still runs";
+    case utl_MultisectionLockStale:
+        return line + "; it no longer runs (stale lock: zulutil msf unlock removes it)";
+    case utl_MultisectionLockOtherHost:
+        break;
+    }
+    return line + "; another host: whether it runs cannot be told here";
+}
+
+void PrintLock(const std::string& path)
+{
+    utl_MultisectionLockOwner owner;
+    if (utl_MultisectionFile::LockOwner(path.c_str(), owner))
+        std::printf("%s\n", LockLine(path, owner).c_str());
 }
 
 // Checks every section; prints one line each when `list`, or the corrupt ones otherwise.
@@ -51,6 +75,7 @@ int CheckSections(utl_MultisectionFile& msf, bool list)
 int ListOrVerify(const std::string& path, bool list)
 {
     int corrupt;
+    PrintLock(path);
     try {
         utl_MultisectionFile msf(path.c_str(), utl_FileAccessRead);
         if (list)
@@ -143,6 +168,27 @@ int Recover(const std::string& path)
     return zulutil_CheckFailed;
 }
 
+int Unlock(const zulutil_Args& args)
+{
+    const std::string path = args.Positional(2);
+    if (path.empty())
+        return zulutil_UsageError("msf", "msf unlock needs FILE");
+    utl_MultisectionLockOwner owner;
+    switch (utl_MultisectionFile::RemoveLock(path.c_str(), args.Has("force"), owner)) {
+    case utl_MultisectionUnlockNotLocked:
+        std::printf("%s: not locked\n", path.c_str());
+        return zulutil_Ok;
+    case utl_MultisectionUnlockRemoved:
+        std::printf("%s: removed the lock of %s\n", path.c_str(), owner.Describe().c_str());
+        return zulutil_Ok;
+    case utl_MultisectionUnlockRefused:
+        break;
+    }
+    std::fflush(stdout);
+    std::fprintf(stderr, "zulutil: %s: not removed (-force removes it anyway)\n", LockLine(path, owner).c_str());
+    return zulutil_CheckFailed;
+}
+
 }  // namespace
 
 int zulutil_Msf(const zulutil_Args& args)
@@ -160,5 +206,7 @@ int zulutil_Msf(const zulutil_Args& args)
         return Put(args);
     if (action == "recover")
         return Recover(path);
+    if (action == "unlock")
+        return Unlock(args);
     return zulutil_UsageError("msf", action.empty() ? "msf needs an action" : "unknown msf action \"" + action + "\"");
 }

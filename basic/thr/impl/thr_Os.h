@@ -50,7 +50,6 @@ unsigned long CurrentThreadId();
 void SetThreadBlockExitHook(void (*hook)(void* block));
 void* ThreadBlock();
 void SetThreadBlock(void* block);
-void SleepMilliseconds(long milliseconds);
 
 }  // namespace thr_os
 

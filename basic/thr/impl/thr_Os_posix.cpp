@@ -218,13 +218,4 @@ void SetThreadBlock(void* block)
     pthread_setspecific(g_blockKey, block);
 }
 
-void SleepMilliseconds(long milliseconds)
-{
-    timespec t;
-    t.tv_sec = milliseconds / 1000;
-    t.tv_nsec = (milliseconds % 1000) * 1000000L;
-    while (nanosleep(&t, &t) == -1 && errno == EINTR) {
-    }
-}
-
 }  // namespace thr_os

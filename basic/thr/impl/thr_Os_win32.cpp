@@ -131,6 +131,4 @@ void SetThreadBlock(void* block)
         FlsSetValue(slot, block);
 }
 
-void SleepMilliseconds(long milliseconds) { Sleep(static_cast<DWORD>(milliseconds)); }
-
 }  // namespace thr_os

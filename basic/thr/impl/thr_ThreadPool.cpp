@@ -8,6 +8,7 @@
 
 #include "aio/aio_ostream.h"
 #include "nex/nex_Exception.h"
+#include "sys/impl/sys_Os.h"
 #include "thr/impl/thr_Os.h"
 #include "thr/thr_ThreadSingleton.h"
 
@@ -127,7 +128,7 @@ thr_ThreadPool::~thr_ThreadPool()
             continue;
         }
         while (t.state[i].load(std::memory_order_acquire) == kTaskPlaced)
-            thr_os::SleepMilliseconds(1);
+            sys_SleepMilliseconds(1);
         {
             thr_MutexGuard guard(t.slotMutex[i]);
             if (t.state[i].load(std::memory_order_acquire) == kIdle)
@@ -204,7 +205,7 @@ bool thr_ThreadPool::RunTask(thr_ThreadTask* task, bool keepGoing, int tries)
         if (count == 0)
             return false;  // no worker would ever take it
         if (!t.running.load(std::memory_order_acquire)) {
-            thr_os::SleepMilliseconds(1);
+            sys_SleepMilliseconds(1);
             continue;
         }
         int candidate = count - 1;

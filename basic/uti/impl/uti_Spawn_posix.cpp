@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "mem/mem_Memory.h"
+#include "sys/impl/sys_Os.h"
 
 extern char** environ;
 
@@ -27,14 +28,6 @@ namespace {
 int Decode(int raw)
 {
     return WIFEXITED(raw) ? WEXITSTATUS(raw) : -1;
-}
-
-void SleepMilliseconds(long ms)
-{
-    struct timespec t;
-    t.tv_sec = ms / 1000;
-    t.tv_nsec = (ms % 1000) * 1000000L;
-    nanosleep(&t, nullptr);
 }
 
 long long NowMilliseconds()
@@ -186,7 +179,7 @@ WaitResult Wait(intptr_t process, int seconds, int& status, int& error)
         const long long left = deadline - NowMilliseconds();
         if (left <= 0)
             return Running;
-        SleepMilliseconds(left < pause ? static_cast<long>(left) : pause);
+        sys_SleepMilliseconds(static_cast<uint32_t>(left < pause ? left : pause));
     }
 }
 
@@ -199,7 +192,7 @@ int WaitAny(const intptr_t* processes, int count, int& status, int& error)
             if (seen != 0)
                 return seen > 0 ? i : -1;
         }
-        SleepMilliseconds(pause);
+        sys_SleepMilliseconds(static_cast<uint32_t>(pause));
     }
 }
 

@@ -7,6 +7,7 @@
 #include <cpuid.h>
 #endif
 
+#include "sys/impl/sys_Os.h"
 #include "utl/impl/utl_HostInfoPlatform.h"
 
 namespace {
@@ -106,4 +107,10 @@ int utl_hasSSE3support()
 int utl_has3DNOWsupport()
 {
     return utl_isAMDCore();
+}
+
+int utl_sleep(unsigned int milliseconds)
+{
+    sys_SleepMilliseconds(milliseconds);
+    return 1;
 }

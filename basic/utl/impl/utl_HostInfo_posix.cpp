@@ -1,7 +1,6 @@
 #include "utl/utl_HostInfo.h"
 #include "utl/impl/utl_HostInfoPlatform.h"
 
-#include <cerrno>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -81,14 +80,4 @@ int utl_getCpusClockSpeed()
     }
     std::fclose(f);
     return mhz;
-}
-
-int utl_sleep(unsigned int milliseconds)
-{
-    struct timespec left;
-    left.tv_sec = static_cast<time_t>(milliseconds / 1000);
-    left.tv_nsec = static_cast<long>(milliseconds % 1000) * 1000000L;
-    while (nanosleep(&left, &left) != 0 && errno == EINTR) {
-    }
-    return 1;
 }

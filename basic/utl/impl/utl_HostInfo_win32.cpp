@@ -75,9 +75,3 @@ int utl_getCpusClockSpeed()
     RegCloseKey(key);
     return mhz;
 }
-
-int utl_sleep(unsigned int milliseconds)
-{
-    Sleep(milliseconds);
-    return 1;
-}

@@ -94,12 +94,13 @@ bool utl_MultisectionFile::AcquireLock()
 {
     if (m_lockHeld)
         return true;
+    const cow_String owner = utl_MultisectionLockOwner::Current().Text();
     for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
-        if (utl_LockFile::Create(m_lockPath)) {
+        if (utl_LockFile::Create(m_lockPath, owner)) {
             m_lockHeld = true;
             return true;
         }
-        utl_LockFile::SleepMilliseconds(kLockPauseMs);
+        sys_SleepMilliseconds(kLockPauseMs);
     }
     return false;
 }

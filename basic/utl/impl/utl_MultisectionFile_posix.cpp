@@ -1,35 +1,49 @@
 #include "utl/impl/utl_LockFile.h"
 
+#include <cerrno>
 #include <fcntl.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace utl_LockFile {
 
-bool Create(const cow_String& path)
+bool Create(const cow_String& path, const cow_String& text)
 {
-    const int fd = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY, 0200);
+    // Readable, so that others can tell who holds the lock.
+    const int fd = ::open(path.c_str(), O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
     if (fd <= 0)
         return false;
+    for (int done = 0; done < text.Length();) {
+        const ssize_t n = ::write(fd, text.c_str() + done, static_cast<size_t>(text.Length() - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        done += static_cast<int>(n);
+    }
     ::close(fd);
     return true;
 }
 
-void Remove(const cow_String& path)
+int Read(const cow_String& path, cow_String& text)
 {
-    ::unlink(path.c_str());
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return errno == ENOENT || errno == ENOTDIR ? 0 : -1;
+    char buffer[1024];
+    ssize_t n;
+    do {
+        n = ::read(fd, buffer, sizeof(buffer));
+    } while (n < 0 && errno == EINTR);
+    ::close(fd);
+    if (n < 0)
+        return -1;
+    text = cow_String(buffer, static_cast<int>(n));
+    return 1;
 }
 
-int ProcessId()
+bool Remove(const cow_String& path)
 {
-    return static_cast<int>(::getpid());
-}
-
-void SleepMilliseconds(int ms)
-{
-    struct timespec t = {ms / 1000, (ms % 1000) * 1000000L};
-    while (::nanosleep(&t, &t) != 0) {
-    }
+    return ::unlink(path.c_str()) == 0;
 }
 
 }  // namespace utl_LockFile
