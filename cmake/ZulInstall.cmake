@@ -30,5 +30,6 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/ZULFNDUTIConfigVersion.cmak
 install(FILES ${CMAKE_BINARY_DIR}/ZULFNDUTIConfig.cmake ${CMAKE_BINARY_DIR}/ZULFNDUTIConfigVersion.cmake
   DESTINATION ${ZUL_CMAKE_DIR})
 
+file(RELATIVE_PATH ZUL_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/ZULFNDUTI.pc.in ${CMAKE_BINARY_DIR}/ZULFNDUTI.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/ZULFNDUTI.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
