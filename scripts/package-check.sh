@@ -38,6 +38,21 @@ need_file() {
   [ -f "$1" ] || fail "missing from the package: ${1#"$work"/}"
 }
 
+# What both packages hold under their root (/usr in the .deb): headers without the private impl
+# folders, the CMake package, the pkg-config file, the manual page and the API reference.
+check_common_contents() {
+  local root=$1
+  for f in include/ZULFNDUTI/ZULFNDUTI_BasicUtils.h include/ZULFNDUTI/zul_Version.h \
+           include/ZULFNDUTI/cow/cow_String.h lib/cmake/ZULFNDUTI/ZULFNDUTIConfig.cmake \
+           lib/cmake/ZULFNDUTI/ZULFNDUTIConfigVersion.cmake lib/pkgconfig/ZULFNDUTI.pc \
+           share/man/man1/zulutil.1 share/doc/zulfnduti/html/index.html; do
+    need_file "$root/$f"
+  done
+  if find "$root/include" -path '*/impl/*' | grep -q .; then
+    fail "private impl headers are in the package"
+  fi
+}
+
 # The output an example's comment promises.
 expected_output() {
   sed -n 's,^// |,,p' "$1" | sed 's,^ ,,'
@@ -92,15 +107,8 @@ check_linux() {
     readelf -d "$usr/lib/lib$lib.so.$version" | grep -q "Library soname: \[lib$lib.so.$major\]" ||
       fail "lib$lib.so.$version does not have the SONAME lib$lib.so.$major"
   done
-  for f in bin/zulutil include/ZULFNDUTI/ZULFNDUTI_BasicUtils.h include/ZULFNDUTI/zul_Version.h \
-           include/ZULFNDUTI/cow/cow_String.h lib/cmake/ZULFNDUTI/ZULFNDUTIConfig.cmake \
-           lib/cmake/ZULFNDUTI/ZULFNDUTIConfigVersion.cmake lib/pkgconfig/ZULFNDUTI.pc \
-           share/man/man1/zulutil.1 share/doc/zulfnduti/html/index.html; do
-    need_file "$usr/$f"
-  done
-  if find "$usr/include" -path '*/impl/*' | grep -q .; then
-    fail "private impl headers are in the package"
-  fi
+  need_file "$usr/bin/zulutil"
+  check_common_contents "$usr"
 
   # The manual page as `man zulutil` finds and renders it, without a formatter warning.
   [ "$(MANPATH="$usr/share/man" man -w zulutil 2>/dev/null)" = "$usr/share/man/man1/zulutil.1" ] ||
@@ -155,15 +163,10 @@ check_windows() {
   local top="$work/zip/ZULFNDUTI-${version}-win64"
   for f in bin/ZULFNDUTI_CoreUtils.dll bin/ZULFNDUTI_BasicUtils.dll bin/zulutil.exe \
            bin/libstdc++-6.dll bin/libgcc_s_seh-1.dll bin/libwinpthread-1.dll \
-           lib/ZULFNDUTI_CoreUtils.dll.a lib/ZULFNDUTI_BasicUtils.dll.a \
-           include/ZULFNDUTI/ZULFNDUTI_BasicUtils.h include/ZULFNDUTI/zul_Version.h \
-           lib/cmake/ZULFNDUTI/ZULFNDUTIConfig.cmake lib/pkgconfig/ZULFNDUTI.pc \
-           share/man/man1/zulutil.1 share/doc/zulfnduti/html/index.html; do
+           lib/ZULFNDUTI_CoreUtils.dll.a lib/ZULFNDUTI_BasicUtils.dll.a; do
     need_file "$top/$f"
   done
-  if find "$top/include" -path '*/impl/*' | grep -q .; then
-    fail "private impl headers are in the package"
-  fi
+  check_common_contents "$top"
 
   local wine=/usr/lib/wine/wine64
   [ -x "$wine" ] || wine=$(command -v wine64 || command -v wine)
