@@ -17,9 +17,19 @@ foreach(tree core basic)
     install(FILES ${header} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ZULFNDUTI/${dir})
   endforeach()
 endforeach()
+install(FILES ${ZUL_GENERATED_HEADERS} DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/ZULFNDUTI)
 
 if(ZUL_MINGW_RUNTIME_DLLS)
   install(FILES ${ZUL_MINGW_RUNTIME_DLLS} DESTINATION ${CMAKE_INSTALL_BINDIR})
+  # Debian's MinGW runtime DLLs carry their debug information (libstdc++-6.dll: 23 MB, 2 MB
+  # without); a stripped install (cmake --install --strip, CPack) strips the installed copies.
+  foreach(dll IN LISTS ZUL_MINGW_RUNTIME_DLLS)
+    get_filename_component(dll_name ${dll} NAME)
+    install(CODE "if(CMAKE_INSTALL_DO_STRIP)
+  execute_process(COMMAND \"${CMAKE_STRIP}\" --strip-unneeded
+    \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}/${dll_name}\" COMMAND_ERROR_IS_FATAL ANY)
+endif()")
+  endforeach()
 endif()
 
 set(ZUL_CMAKE_DIR ${CMAKE_INSTALL_LIBDIR}/cmake/ZULFNDUTI)
@@ -33,5 +43,6 @@ write_basic_package_version_file(${CMAKE_BINARY_DIR}/ZULFNDUTIConfigVersion.cmak
 install(FILES ${CMAKE_BINARY_DIR}/ZULFNDUTIConfig.cmake ${CMAKE_BINARY_DIR}/ZULFNDUTIConfigVersion.cmake
   DESTINATION ${ZUL_CMAKE_DIR})
 
+file(RELATIVE_PATH ZUL_PC_TO_PREFIX /prefix/${CMAKE_INSTALL_LIBDIR}/pkgconfig /prefix)
 configure_file(${PROJECT_SOURCE_DIR}/cmake/ZULFNDUTI.pc.in ${CMAKE_BINARY_DIR}/ZULFNDUTI.pc @ONLY)
 install(FILES ${CMAKE_BINARY_DIR}/ZULFNDUTI.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)

@@ -9,6 +9,7 @@ packages=(
   g++-mingw-w64-x86-64-posix gcc-mingw-w64-x86-64-posix gfortran-mingw-w64-x86-64-posix
   wine64
   clang-14 libclang-rt-14-dev
+  doxygen man-db groff-base file unzip
 )
 
 SUDO=""

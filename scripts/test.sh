@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # The full test run: dependencies, Linux build and tests, Windows cross build and tests under
-# Wine, the consumer example built against an installed copy, then the sanitizer suites
+# Wine, the packages (API reference, .deb and .zip) made from those two builds and checked as a
+# user meets them (examples built against each and run), then the sanitizer suites
 # (address + undefined behaviour over every test; the thread sanitizer over every test program
 # that starts threads or child processes, listed in tests/README.md) and a short fuzz run of
 # every fuzz target.
@@ -42,8 +43,9 @@ for preset in linux windows; do
   ctest --preset "$preset"
 done
 
-echo "== consumer example against the installed package"
-scripts/consumer.sh
+echo "== packages: API reference, .deb and .zip, checked with the examples built against them"
+scripts/package.sh linux windows
+scripts/package-check.sh linux windows
 
 for preset in linux-asan linux-tsan; do
   echo "== $preset: configure, build and test"

@@ -1,11 +1,17 @@
-// A client of the installed library: brings it up, throws and catches one of its exceptions,
-// and takes it down again.
+// A client of the installed library: checks that the library it loaded is the version it was
+// compiled against, brings the library up, throws and catches one of its exceptions, and takes
+// it down again. Exit status 0 when all of that went as expected.
 #include <cstdio>
+#include <cstring>
 
 #include "ZULFNDUTI_BasicUtils.h"
 
 int main()
 {
+    std::printf("ZULFNDUTI %s (compiled against %s)\n", zul_VersionString(), ZULFNDUTI_VERSION_STRING);
+    if (std::strcmp(zul_VersionString(), ZULFNDUTI_VERSION_STRING) != 0)
+        return 1;
+
     int count = 0;
     UTI_BasicUtils_initialize(count);
 

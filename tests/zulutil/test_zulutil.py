@@ -1,11 +1,14 @@
 """End-to-end tests of the installed zulutil, run as a separate process.
 
-Usage: test_zulutil.py TOOL [--wine WINE]   (TOOL is the installed zulutil or zulutil.exe)
+Usage: test_zulutil.py TOOL VERSION MAN_PAGE [--wine WINE]
+  TOOL is the installed zulutil or zulutil.exe, VERSION the version it must report, MAN_PAGE the
+  installed manual page.
 """
 import base64
 import hashlib
 import os
 import random
+import re
 import shutil
 import signal
 import subprocess
@@ -18,6 +21,8 @@ import msf_format
 
 TOOL = None
 WINE = None
+VERSION = None
+MAN_PAGE = None
 
 
 def run(args, stdin=b"", cwd=None, stdout=subprocess.PIPE):
@@ -257,26 +262,61 @@ class OtherCommandsTest(ToolTest):
         for args in [["md5", "a.txt"], ["crc", "a.txt"], ["base64", "a.txt"], ["msf", "list", "c.msf"],
                      ["msf", "verify", "c.msf"], ["msf", "get", "c.msf", "s"], ["msf", "unlock", "c.msf"],
                      ["encrypt", "-cipher", "rotor", "-keyfile", "key", "a.txt"], ["rgx", "match", "x", "x"],
-                     ["host"], ["help"]]:
+                     ["host"], ["help"], ["--version"]]:
             with open("/dev/full", "wb") as full:
                 status, _, err = self.tool(*args, stdout=full)
             self.assertEqual(status, 2, args)
             self.assertIn(b"zulutil: write error on standard output", err, args)
 
-    def test_bad_arguments_give_status_two_and_usage(self):
-        for args in [[], ["bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:
-            status, _, err = self.tool(*args)
-            self.assertEqual(status, 2, args)
+
+class ConventionsTest(ToolTest):
+    def test_usage_errors_go_to_standard_error_with_status_two(self):
+        for args in [[], ["bogus"], ["--bogus"], ["msf"], ["msf", "list"], ["msf", "frobnicate", "x"]]:
+            status, out, err = self.tool(*args)
+            self.assertEqual((status, out), (2, b""), args)
             self.assertIn(b"usage", err)
-        status, out, _ = self.tool("help", "msf")
-        self.assertEqual(status, 0)
-        self.assertIn(b"zulutil msf list FILE", out)
-        self.assertEqual(self.tool("-h")[0], 0)
+
+    def test_help_and_version_go_to_standard_output_with_status_zero(self):
+        for args in [["--help"], ["-h"], ["help"]]:
+            status, out, err = self.tool(*args)
+            self.assertEqual((status, err), (0, b""), args)
+            self.assertIn(b"zulutil msf list FILE", out)
+            self.assertIn(b"zulutil md5", out)
+        for args in [["help", "msf"], ["msf", "--help"], ["msf", "-h"], ["--help", "msf"]]:
+            status, out, err = self.tool(*args)
+            self.assertEqual((status, err), (0, b""), args)
+            self.assertIn(b"zulutil msf list FILE", out)
+            self.assertNotIn(b"zulutil md5", out)
+        status, out, err = self.tool("--version")
+        self.assertEqual((status, out.decode().strip(), err), (0, "zulutil " + VERSION, b""))
+
+    def test_manual_page_documents_every_command(self):
+        env = dict(os.environ, MANWIDTH="200", LANG="C", LC_ALL="C")
+        page = subprocess.run(["man", "-l", MAN_PAGE], env=env, stdout=subprocess.PIPE, check=True).stdout.decode()
+        entries = [line.strip() for line in page.splitlines()]
+        _, usage, _ = self.tool("help")
+        phrases = []
+        for line in usage.decode().splitlines():
+            if not line.startswith("zulutil "):
+                continue
+            # The command and its action: the synopsis (before the gap that starts the
+            # description) up to its first placeholder or option.
+            words = []
+            for word in re.split(r"\s{2,}", line.strip())[0].split()[1:]:
+                if not re.fullmatch(r"[a-z0-9]+|--[a-z]+", word):
+                    break
+                words.append(word)
+            phrases.append(" ".join(words))
+        self.assertIn("msf list", phrases)
+        for phrase in phrases:
+            self.assertTrue(any(e == phrase or e.startswith(phrase + " ") for e in entries), phrase)
 
 
 if __name__ == "__main__":
     TOOL = os.path.abspath(sys.argv[1])
-    args = sys.argv[2:]
+    VERSION = sys.argv[2]
+    MAN_PAGE = os.path.abspath(sys.argv[3])
+    args = sys.argv[4:]
     if args[:1] == ["--wine"]:
         WINE = args[1]
         args = args[2:]

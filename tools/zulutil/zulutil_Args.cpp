@@ -7,7 +7,7 @@ namespace {
 
 // Options that stand alone; every other option takes the next argument (unless it begins with
 // "-") as its value, as the library's rule does.
-const char* const kFlags[] = {"d", "wrap", "force", "h", "help", nullptr};
+const char* const kFlags[] = {"d", "wrap", "force", "h", "help", "-help", "-version", nullptr};
 
 bool IsFlag(const char* name)
 {

@@ -6,6 +6,7 @@
 
 #include "nex/nex_Exception.h"
 #include "uti/uti_BasicUtils.h"
+#include "zul_Version.h"
 #include "zulutil.h"
 
 namespace {
@@ -54,7 +55,10 @@ const Command kCommands[] = {
      "                                         TEXT the text is standard input\n",
      &zulutil_Rgx},
     {"host", "zulutil host                             date, time, host, user, platform and processor\n", &zulutil_Host},
-    {"help", "zulutil help [COMMAND]                   usage of one command or of all\n", &RunHelp},
+    {"help",
+     "zulutil help [COMMAND]                   usage of one command or of all, on standard output;\n"
+     "                                         --help or -h after any command does the same\n",
+     &RunHelp},
 };
 
 const Command* Find(const std::string& name)
@@ -69,8 +73,13 @@ int Run()
 {
     zulutil_Args args;
     const std::string command = args.Positional(0);
-    if (args.Has("h") || args.Has("help"))
+    // The command line rule removes one "-": "--help" is the option "-help".
+    if (args.Has("-help") || args.Has("h") || args.Has("help"))
         return zulutil_Usage(command, zulutil_Ok);
+    if (args.Has("-version")) {
+        std::printf("zulutil %s\n", zul_VersionString());
+        return zulutil_Ok;
+    }
     if (command.empty())
         return zulutil_Usage("", zulutil_BadUsage);
     const Command* c = Find(command);
@@ -91,6 +100,7 @@ int zulutil_Usage(const std::string& command, int status)
         std::fprintf(out, "usage: zulutil COMMAND ...   (zulutil help COMMAND for one command)\n");
         for (const Command& each : kCommands)
             std::fprintf(out, "%s", each.usage);
+        std::fprintf(out, "zulutil --version                        the version of the tool and its library\n");
         std::fprintf(out, "Exit status: 0 success, 1 a check failed, 2 usage or input error or a failed write to\n"
                              "standard output.\n");
     }
