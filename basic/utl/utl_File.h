@@ -113,7 +113,7 @@ enum utl_FileCallEnm {
     utl_FileCallSize,    // asking for the size
     utl_FileCallExtend,  // setting the end of file and allocating up to it
     utl_FileCallFlush,
-    utl_FileCallClose,
+    utl_FileCallClose,   // the handle is released all the same, as systems do
     utl_FileCallDelete,  // deleting a file (the container's save and lock files)
     utl_FileCallKinds
 };

@@ -313,7 +313,7 @@ public:
             zul_test::WriteFileBytes(m_path, m_image);
         const std::string savePath = m_path + "." + std::to_string(ZUL_GETPID()) + ".tmp";
         std::string message, container, saveFile;
-        bool threw = false, struck = false;
+        bool threw = false, struck = false, hadContainer = false, hadSaveFile = false;
         {
             utl_MultisectionFile f(m_path.c_str(), m_image.empty() ? utl_FileAccessWrite : utl_FileAccessUpdate);
             for (const auto& change : m_shape.changes)
@@ -335,7 +335,8 @@ public:
             } catch (const nex_Exception& e) {
                 ADD_FAILURE() << label << ": the object no longer reads: " << e.UserReport().c_str();
             }
-            const bool hadContainer = std::filesystem::exists(m_path), hadSaveFile = std::filesystem::exists(savePath);
+            hadContainer = std::filesystem::exists(m_path);
+            hadSaveFile = std::filesystem::exists(savePath);
             if (hadContainer)
                 container = zul_test::ReadFileBytes(m_path);
             if (hadSaveFile)
@@ -355,14 +356,13 @@ public:
             Sections now;
             EXPECT_TRUE(ReadSections(m_path, now) && now == m_after) << label << ": the retry";
             EXPECT_FALSE(std::filesystem::exists(savePath)) << label << ": the retry";
-
-            // Back to the files as the failure left them, the object gone.
-            std::filesystem::remove(m_path);
-            if (hadContainer)
-                zul_test::WriteFileBytes(m_path, container);
-            if (hadSaveFile)
-                zul_test::WriteFileBytes(savePath, saveFile);
         }
+        // Back to the files as the failure left them, the object gone.
+        std::filesystem::remove(m_path);
+        if (hadContainer)
+            zul_test::WriteFileBytes(m_path, container);
+        if (hadSaveFile)
+            zul_test::WriteFileBytes(savePath, saveFile);
         Sections now;
         const bool kept = message.find("\"zulutil msf recover " + m_path + "\"") != std::string::npos;
         if (!threw) {

@@ -57,6 +57,17 @@ bool Sys(utl_FileCallEnm kind, uint32_t& error, Call call)
     return !FS::FaultFires(kind, error) && call();
 }
 
+// Closing behind the hook: a failed close releases the handle all the same, as systems do.
+bool CloseBehindHook(intptr_t handle, uint32_t& error)
+{
+    uint32_t injected = 0;
+    const bool fault = FS::FaultFires(utl_FileCallClose, injected);
+    const bool closed = FS::Close(handle, error);
+    if (fault)
+        error = injected;
+    return closed && !fault;
+}
+
 // Read and write behind the hook, where the error 0 stands for a short transfer.
 template <class Call>
 bool Transfer(utl_FileCallEnm kind, int count, int& done, uint32_t& error, Call call)
@@ -139,7 +150,7 @@ utl_File::~utl_File() noexcept(false)
         return;
     m_opened = 0;
     uint32_t error = 0;
-    if (!Sys(utl_FileCallClose, error, [&] { return FS::Close(m_handle, error); }) && std::uncaught_exceptions() == 0)
+    if (!CloseBehindHook(m_handle, error) && std::uncaught_exceptions() == 0)
         Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
 }
 
@@ -149,7 +160,7 @@ void utl_File::Close()
         return;
     m_opened = 0;
     uint32_t error = 0;
-    if (!Sys(utl_FileCallClose, error, [&] { return FS::Close(m_handle, error); }))
+    if (!CloseBehindHook(m_handle, error))
         Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
 }
 

@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#ifndef ERROR_DISK_QUOTA_EXCEEDED
+#define ERROR_DISK_QUOTA_EXCEEDED 1295L  // not in every MinGW header set
+#endif
+
 namespace utl_FileSystem {
 
 namespace {
