@@ -130,7 +130,9 @@ TEST(UtlMultisectionFile, UpdateKeepsOldSectionsAndAppendsNewOnes)
     EXPECT_EQ(SectionOf(f, "last"), "z");
     EXPECT_FALSE(f.hasSection("nothing"));
     EXPECT_THROW(f.getSectionLength("nothing"), nex_TextException);
-    EXPECT_FALSE(std::filesystem::exists(path + ".lock")) << "the lock goes with its writer";
+    f.setSectionData("text", "x", 1);
+    EXPECT_THROW(f.saveChanges(), utl_FileExceptionWrite) << "a reader cannot save";
+    EXPECT_EQ(FilesIn(dir.Path()), std::vector<std::string>{"multi.msf"}) << "no lock, no save file";
 }
 
 TEST(UtlMultisectionFile, LockKeepsASecondWriterOutButNotReaders)

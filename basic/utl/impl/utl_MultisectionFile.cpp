@@ -424,8 +424,8 @@ void utl_MultisectionFile::WriteSaveFile(int64_t size)
         } else if (s.storedLength > 0) {
             utl_File& from = Source();
             from.Seek(s.offset);
-            bool wrote = false;
-            if (!CopyPieces(from, m_saved, s.storedLength, buffer.get(), piece, wrote))
+            bool unused = false;
+            if (!CopyPieces(from, m_saved, s.storedLength, buffer.get(), piece, unused))
                 FailCorrupt(s);
         }
     }
@@ -495,6 +495,10 @@ void utl_MultisectionFile::saveChanges()
         if (!changed)
             return;
     }
+    // A container opened for reading refuses with the file's own read-only failure, before any
+    // file is written.
+    if (m_mode == utl_FileAccessRead)
+        m_file.Write(nullptr, 0);
     const cow_String savePath = SavePath();
     if (utl_Stat(savePath).Found() && Verifies(savePath) && !Verifies(m_path))
         Fail(atr_translate(kInTheWayText).Arg(savePath).Arg(m_path).Result());
