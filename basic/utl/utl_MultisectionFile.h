@@ -74,6 +74,10 @@ public:
     // Copies the section into a buffer of getSectionLength bytes; a stored section is checked
     // against its CRC.
     void getSectionData(const cow_String& name, void* buffer);
+    // The same two by table position (0 <= index < SectionCount()): they reach every entry,
+    // repeated names included, and let a listing check all sections in linear time.
+    int getSectionLength(int index) const;
+    void getSectionData(int index, void* buffer);
     // Replaces (or appends) a section in memory.
     void setSectionData(const cow_String& name, const void* data, int length);
     void saveChanges();

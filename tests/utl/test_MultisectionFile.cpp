@@ -213,7 +213,8 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
         EXPECT_EQ(f.SectionLength(2), 0x7FFFFFFF);
         EXPECT_EQ(SectionOf(f, "a"), "abc");
         ExpectFailure(path, "Data corrupted in section \"b\"", [&] { f.getSectionLength("b"); });
-        ExpectFailure(path, "Data corrupted in section \"c\"", [&] { f.getSectionData("c", nullptr); });
+        EXPECT_EQ(f.getSectionLength(0), 3);
+        ExpectFailure(path, "Data corrupted in section \"c\"", [&] { f.getSectionData(2, nullptr); });
         f.setSectionData("a", "xyz", 3);
         ExpectFailure(path, "Data corrupted in section \"b\"", [&] { f.saveChanges(); });
     }

@@ -23,8 +23,9 @@ int StatusOfOpenFailure(const nex_Exception& e)
 }
 
 // Checks every section; prints one line each when `list`, or the corrupt ones otherwise.
-// Returns the number of corrupt sections. Buffers are sized by getSectionLength, which refuses
-// lengths the file cannot hold; the listing shows the table's own length.
+// Returns the number of corrupt sections. Sections are reached by position (linear time, repeated
+// names each checked); buffers are sized by getSectionLength, which refuses lengths the file
+// cannot hold, and the listing shows the table's own length.
 int CheckSections(utl_MultisectionFile& msf, bool list)
 {
     int corrupt = 0;
@@ -33,8 +34,8 @@ int CheckSections(utl_MultisectionFile& msf, bool list)
         const int length = msf.SectionLength(i);
         bool ok = true;
         try {
-            std::vector<char> data(static_cast<size_t>(msf.getSectionLength(name)) + 1);
-            msf.getSectionData(name, data.data());
+            std::vector<char> data(static_cast<size_t>(msf.getSectionLength(i)) + 1);
+            msf.getSectionData(i, data.data());
         } catch (const nex_Exception&) {
             ok = false;
             ++corrupt;

@@ -297,7 +297,12 @@ int utl_MultisectionFile::SectionLength(int index) const
 
 int utl_MultisectionFile::getSectionLength(const cow_String& name) const
 {
-    const Section& s = m_sections[FindExisting(name)];
+    return getSectionLength(FindExisting(name));
+}
+
+int utl_MultisectionFile::getSectionLength(int index) const
+{
+    const Section& s = m_sections[index];
     if (!s.newData && s.pastEnd)
         FailCorrupt(s);
     return s.newData ? s.newLength : s.storedLength;
@@ -305,7 +310,12 @@ int utl_MultisectionFile::getSectionLength(const cow_String& name) const
 
 void utl_MultisectionFile::getSectionData(const cow_String& name, void* buffer)
 {
-    const Section& s = m_sections[FindExisting(name)];
+    getSectionData(FindExisting(name), buffer);
+}
+
+void utl_MultisectionFile::getSectionData(int index, void* buffer)
+{
+    const Section& s = m_sections[index];
     if (s.newData) {
         std::memcpy(buffer, s.newData, static_cast<size_t>(s.newLength));
         return;
