@@ -14,7 +14,9 @@
 // Saving. saveChanges writes the whole container to the save file "<path>.<pid>.tmp" and flushes
 // it, reserves the space the container will need (utl_File::Extend), then copies the save file
 // back over the container in place (no rename), truncates and flushes it; after a success the
-// save file is deleted. A failure before the first byte of the container is overwritten (a full
+// save file is deleted. Copies run in pieces of at most 1 MiB. A container opened for writing is
+// emptied when the copy-back opens it; one opened for reading refuses with utl_File's read-only
+// write failure. A failure before the first byte of the container is overwritten (a full
 // disk shows at the reservation) deletes the save file and leaves the container as it was. A
 // failure once the copy-back has begun keeps the complete save file beside the container and
 // raises a nex_TextException whose text, after the usual prefix, is
