@@ -191,6 +191,23 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
         utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
         ExpectFailure(path, "Data corrupted in section \"alpha\"", [&] { SectionOf(f, "alpha"); });
     }
+    // With a complete save file of this process beside the damaged container (left by a failed
+    // copy-back), a save refuses rather than overwrite what may be the only complete copy.
+    const std::string savePath = path + "." + std::to_string(ZUL_GETPID()) + ".tmp";
+    zul_test::WriteFileBytes(savePath, good);
+    {
+        utl_MultisectionFile f(path.c_str(), utl_FileAccessUpdate);
+        f.setSectionData("beta", "b", 1);
+        ExpectFailure(path,
+                      "Cannot save: the container does not verify and \"" + savePath +
+                          "\" is a complete save file; restore it first with \"zulutil msf recover " + path + "\"",
+                      [&] { f.saveChanges(); });
+    }
+    EXPECT_EQ(zul_test::ReadFileBytes(savePath), good);
+    cow_String used;
+    EXPECT_EQ(utl_MultisectionFile::RestoreFromSaveFile(path.c_str(), used), utl_MultisectionFile::RestoreDone);
+    EXPECT_EQ(zul_test::ReadFileBytes(path), good);
+
     zul_test::WriteFileBytes(path, good.substr(0, good.size() - 3));
     {
         utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
