@@ -3,7 +3,9 @@
 # runs every fuzz target for SECONDS seconds (default 60), one after another, each on a scratch
 # copy of its seed corpus under build/fuzz/corpus (the committed seeds are never modified).
 # Inputs that make a target fail are left under build/fuzz/crashes/<target>/. Fails when any
-# target finds a crash, a leak, a timeout or a broken property.
+# target finds a crash, a leak, a timeout, a broken property or an allocation beyond its memory
+# limits: no single allocation above 64 MiB for any target (inputs are at most 4 KiB), and for
+# the container reader, which must cost what the file holds, a total of 1 GiB.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 
@@ -34,9 +36,13 @@ for seeds in fuzz/corpus/*/; do
   log="$build/logs/$target.log"
   mkdir -p "$(dirname "$log")"
   echo "== $target: ${seconds}s"
+  rss=2048
+  case "$target" in
+    fuzz_multisection) rss=1024 ;;
+  esac
   status=0
   ASAN_OPTIONS="${ASAN_OPTIONS:-detect_leaks=1}" UBSAN_OPTIONS="${UBSAN_OPTIONS:-print_stacktrace=1}" \
-    "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -max_len=4096 \
+    "$binary" -max_total_time="$seconds" -timeout=10 -rss_limit_mb="$rss" -malloc_limit_mb=64 -max_len=4096 \
       -print_final_stats=1 -artifact_prefix="$crashes/" "$scratch" >"$log" 2>&1 || status=$?
   grep -E "^#[0-9]+[[:space:]]+DONE|stat::number_of_executed_units|stat::peak_rss_mb" "$log" | sed 's/^/   /' || true
   if [ "$status" -ne 0 ] || ls "$crashes" | grep -q .; then

@@ -9,6 +9,11 @@
 //
 // Sharing modes follow the table of utl_FileSharing on Windows; POSIX systems have no mandatory
 // sharing control, so there they are advisory and grant everything.
+//
+// Test hook: utl_FileTestFaults(kind, n, error) makes the n-th system call of one kind from now
+// fail as if the system had returned `error`, so the ordinary failure path runs with its own
+// exception and text; it also counts the calls of every kind until utl_FileTestFaultsOff. The
+// state is per process and atomic; while the hook is off a call costs one relaxed load.
 #ifndef UTL_FILE_H
 #define UTL_FILE_H
 
@@ -99,6 +104,31 @@ public:
     explicit utl_FileExceptionExtend(const atr_String& text) : nex_TextException(text) {}
 };
 
+// The kinds of system call the test hook counts and fails.
+enum utl_FileCallEnm {
+    utl_FileCallOpen,    // opening or creating a file (lock files included)
+    utl_FileCallRead,    // error 0: a short read (half the bytes asked for, no error)
+    utl_FileCallWrite,   // error 0: a short write (half the bytes written), as on a full disk
+    utl_FileCallSeek,    // setting or asking for the position
+    utl_FileCallSize,    // asking for the size
+    utl_FileCallExtend,  // setting the end of file and allocating up to it
+    utl_FileCallFlush,
+    utl_FileCallClose,   // the handle is released all the same, as systems do
+    utl_FileCallDelete,  // deleting a file (the container's save and lock files)
+    utl_FileCallKinds
+};
+
+// Starts counting (every count from 0) and arms: the n-th call of `kind` from now fails with the
+// system error code `error` (errno values on POSIX systems, Win32 codes on Windows). n <= 0 only
+// counts.
+ZUL_BASIC_API void utl_FileTestFaults(utl_FileCallEnm kind, long n, uint32_t error);
+// Calls of `kind` counted since utl_FileTestFaults.
+ZUL_BASIC_API long utl_FileTestCalls(utl_FileCallEnm kind);
+// Whether the armed failure has happened.
+ZUL_BASIC_API bool utl_FileTestFaultFired();
+// Stops counting and disarms.
+ZUL_BASIC_API void utl_FileTestFaultsOff();
+
 class ZUL_BASIC_API utl_File {
 public:
     utl_File();
@@ -125,8 +155,11 @@ public:
     int WriteShortAllowed(const char* buffer, int count);
     void Flush();
     utl_FileOffset FileSize();
-    // Makes the file `size` bytes long and forces its last block to be allocated; the position
-    // is left where it was.
+    // Makes the file `size` bytes long with its space allocated, so that a full disk shows here
+    // rather than in later writes; the position is left where it was. POSIX systems reserve the
+    // new bytes with posix_fallocate (writing zeros where the file system cannot), and a growth
+    // that fails leaves the old size; on Windows setting the end of file allocates. A full disk
+    // or a file-size limit raises utl_FileExceptionFull, other failures utl_FileExceptionExtend.
     void Extend(const utl_FileOffset& size);
 
     const cow_String& Name() const { return m_name; }

@@ -9,17 +9,42 @@
 // Opening for update or write takes a lock: the file "<path>.lock", created exclusively (10
 // attempts, 10 ms apart), deleted when the object goes. Readers take no lock. The lock file
 // names its owner (see utl_MultisectionLockOwner.h), so that a lock left by a writer that
-// crashed can be told from a live one and removed with RemoveLock. Sections are read
-// and checked whole; setSectionData keeps new data in memory until saveChanges, which writes
-// the whole container to "<path>.<pid>.tmp", copies it back over the container in place and
-// deletes the temporary file whatever happens. Unsaved changes are dropped at destruction.
+// crashed can be told from a live one and removed with RemoveLock. Sections are read and
+// checked whole; setSectionData keeps new data in memory until saveChanges. Unsaved changes
+// are dropped at destruction.
+//
+// Saving. saveChanges writes the whole container to the save file "<path>.<pid>.tmp" and flushes
+// it, reserves the space the container will need (utl_File::Extend), then copies the save file
+// back over the container in place (no rename), truncates and flushes it; after a success the
+// save file is deleted. Copies run in pieces of at most 1 MiB. A container opened for writing is
+// emptied when the copy-back opens it; one opened for reading refuses with utl_File's read-only
+// write failure. A failure before the first byte of the container is overwritten (a full
+// disk shows at the reservation) deletes the save file and leaves the container as it was. A
+// failure once the copy-back has begun keeps the complete save file beside the container and
+// raises a nex_TextException whose text, after the usual prefix, is
+//   Save failed while the container was being rewritten; its new contents are complete in
+//   "<save file>", and if the container no longer verifies, "zulutil msf recover <path>"
+//   restores them
+// followed by a newline and the text of the failure that stopped it. RestoreFromSaveFile (the
+// library side of that command) turns such a save file into the container.
+// The object survives any failed save: it still reads the contents it was given, and a later
+// saveChanges saves exactly them. After a failure in the copy-back it reads its sections from
+// the kept save file, and the next saveChanges first completes that copy-back.
+// A save refuses to overwrite a complete save file of its own name beside a container that does
+// not verify (it could be the only complete copy): it raises
+//   Cannot save: the container does not verify and "<save file>" is a complete save file;
+//   restore it first with "zulutil msf recover <path>"
 //
 // Errors are nex_TextException with the text "\"<path>\": <message>"; I/O failures come from
 // utl_File. A damaged table (truncated, impossible lengths) raises "Invalid string length" (or
 // "Invalid file type" / "Unsupported file format" for the header); a section whose bytes are
 // missing or altered raises "Data corrupted in section \"<name>\""; asking for an absent
-// section raises "No section \"<name>\"". Offsets are 32-bit: a container holds at most 2 GiB.
-// One object is used by one thread at a time.
+// section raises "No section \"<name>\"". A section whose stored bytes would run past the end
+// of the file is corrupt from the start: getSectionLength and getSectionData raise the
+// corruption message for it (so no caller sizes a buffer by a length the file cannot hold),
+// while the sections before it stay readable. Reading a container never allocates or reads
+// more than the file holds. Offsets are 32-bit: a container holds at most 2 GiB. One object is
+// used by one thread at a time.
 #ifndef UTL_MULTISECTIONFILE_H
 #define UTL_MULTISECTIONFILE_H
 
@@ -48,19 +73,39 @@ public:
     utl_MultisectionFile& operator=(const utl_MultisectionFile&) = delete;
 
     bool hasSection(const cow_String& name) const;
-    // The new length when the section has new data, else the stored length.
+    // The new length when the section has new data, else the stored length (a stored section
+    // that runs past the end of the file raises the corruption message instead).
     int getSectionLength(const cow_String& name) const;
     // Copies the section into a buffer of getSectionLength bytes; a stored section is checked
     // against its CRC.
     void getSectionData(const cow_String& name, void* buffer);
+    // The same two by table position (0 <= index < SectionCount()): they reach every entry,
+    // repeated names included, and let a listing check all sections in linear time.
+    int getSectionLength(int index) const;
+    void getSectionData(int index, void* buffer);
     // Replaces (or appends) a section in memory.
     void setSectionData(const cow_String& name, const void* data, int length);
     void saveChanges();
 
-    // Table order, for listings.
+    // Table order, for listings. SectionLength is the length the table gives (the new length
+    // once set), unchecked: a listing may show it, a reader sizes by getSectionLength.
     int SectionCount() const { return m_sections.Count(); }
     cow_String SectionName(int index) const { return m_sections[index].name; }
     uint32_t SectionCrc(int index) const { return m_sections[index].crc; }
+    int SectionLength(int index) const;
+
+    enum RestoreEnm {
+        RestoreNotNeeded,  // the container verifies; nothing was done
+        RestoreDone,       // a complete save file was copied over the container and deleted
+        RestoreNoSaveFile  // the container does not verify and no complete save file was found
+    };
+    // Restores a container that does not verify from a complete save file "<path>.<pid>.tmp"
+    // beside it (the newest when there are several), under the container's lock: the save file
+    // is copied over the container and deleted once the container verifies. A container that
+    // verifies is never touched, and nothing changes when no save file is complete. `saveFile`
+    // receives the save file used. Failures raise (the lock held by a live writer gives
+    // "Cannot create the lock file."); the save file is then kept.
+    static RestoreEnm RestoreFromSaveFile(const cow_String& path, cow_String& saveFile);
 
     // The owner of the lock on the container at `path`; false when the container is not locked
     // (owner then unknown).
@@ -78,11 +123,14 @@ public:
         char* newData = nullptr;  // owned
         int32_t newLength = 0;
         uint32_t crc = 0;
+        bool pastEnd = false;  // the stored bytes run past the end of the file
         bool operator==(const Section& o) const { return name == o.name; }
     };
 
 private:
+    utl_MultisectionFile(const cow_String& path, utl_FileAccess mode, bool readTable);
     [[noreturn]] void Fail(const atr_String& message) const;
+    [[noreturn]] void FailCorrupt(const Section& s) const;
     void ReleaseAll();
     int Find(const cow_String& name) const;
     int FindExisting(const cow_String& name) const;
@@ -90,12 +138,29 @@ private:
     void ReadExact(void* buffer, int count, const char* message);
     int32_t ReadInt(const char* message);
     bool AcquireLock();
+    cow_String SavePath() const;
+    // Where the stored sections are: the container, or the kept save file after a failed
+    // copy-back.
+    utl_File& Source() { return m_fromSaved ? m_saved : m_file; }
+    int64_t TableSize() const;
+    // Whether every stored section reads whole and matches its CRC.
+    bool AllSectionsCheck();
+    // Whether the file opens as a container whose every section checks.
+    static bool Verifies(const cow_String& path);
+    void WriteSaveFile(int64_t size);
+    void CopyBack(utl_File& from, int size, bool& begun);
+    void CommitLayout();
+    void CompleteInterruptedSave();
+    [[noreturn]] void FailKept(const nex_Exception& cause) const;
 
     utl_File m_file;
     cow_String m_path;
     bool m_lockHeld;
     cow_String m_lockPath;
     cow_1DArrayList<Section> m_sections;
+    utl_FileAccess m_mode;
+    utl_File m_saved;    // the save file while a save writes it, and after a failed copy-back
+    bool m_fromSaved;    // the stored sections are read from m_saved
 };
 
 #endif

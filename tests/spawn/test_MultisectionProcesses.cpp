@@ -1,7 +1,7 @@
 // Containers shared between processes: a writer killed at any moment of a save leaves either a
-// valid container or a complete temporary save file beside it from which the container can be
-// restored; a second writer is refused by the lock while readers still read; the lock names its
-// owner, so that the lock of a killed writer is told stale and removed (by the library and by
+// valid container or a complete temporary save file beside it from which the library restores
+// the container; a second writer is refused by the lock while readers still read; the lock names
+// its owner, so that the lock of a killed writer is told stale and removed (by the library and by
 // zulutil) while a live one is kept. The writers are real child processes, ended abruptly
 // (SIGKILL, TerminateProcess).
 #include <gtest/gtest.h>
@@ -113,9 +113,10 @@ TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
             ASSERT_EQ(saves.size(), 1u) << "round " << round << ": container broken and no save file";
             const char saved = ContentsOf(saves[0]);
             ASSERT_NE(saved, 0) << "round " << round << ": the save file is incomplete";
-            // Removed first: MinGW's copy_file refuses an existing target even when told to overwrite.
-            fs::remove(path);
-            fs::copy_file(saves[0], path);
+            cow_String used;
+            ASSERT_EQ(utl_MultisectionFile::RestoreFromSaveFile(path.c_str(), used), utl_MultisectionFile::RestoreDone);
+            EXPECT_EQ(used, saves[0].c_str());
+            EXPECT_FALSE(fs::exists(saves[0])) << "the restore deletes the save file it used";
             letter = ContentsOf(path);
             ASSERT_EQ(letter, saved);
             ++restored;

@@ -4,9 +4,7 @@
 #include <vector>
 
 #include "nex/nex_Exception.h"
-#include "utl/utl_DirObject.h"
 #include "utl/utl_File.h"
-#include "utl/utl_FilePath.h"
 #include "utl/utl_MultisectionFile.h"
 #include "utl/utl_Stat.h"
 #include "zulutil.h"
@@ -49,17 +47,19 @@ void PrintLock(const std::string& path)
 }
 
 // Checks every section; prints one line each when `list`, or the corrupt ones otherwise.
-// Returns the number of corrupt sections.
+// Returns the number of corrupt sections. Sections are reached by position (linear time, repeated
+// names each checked); buffers are sized by getSectionLength, which refuses lengths the file
+// cannot hold, and the listing shows the table's own length.
 int CheckSections(utl_MultisectionFile& msf, bool list)
 {
     int corrupt = 0;
     for (int i = 0; i < msf.SectionCount(); ++i) {
         const cow_String name = msf.SectionName(i);
-        const int length = msf.getSectionLength(name);
+        const int length = msf.SectionLength(i);
         bool ok = true;
         try {
-            std::vector<char> data(static_cast<size_t>(length) + 1);
-            msf.getSectionData(name, data.data());
+            std::vector<char> data(static_cast<size_t>(msf.getSectionLength(i)) + 1);
+            msf.getSectionData(i, data.data());
         } catch (const nex_Exception&) {
             ok = false;
             ++corrupt;
@@ -119,53 +119,22 @@ int Put(const zulutil_Args& args)
     return zulutil_Ok;
 }
 
-bool Verifies(const std::string& path)
-{
-    try {
-        utl_MultisectionFile msf(path.c_str(), utl_FileAccessRead);
-        return CheckSections(msf, false) == 0;
-    } catch (const nex_Exception&) {
-        return false;
-    }
-}
-
-// The save files "<container>.<pid>.tmp" beside the container.
-std::vector<std::string> SaveFilesBeside(const std::string& path)
-{
-    const size_t slash = path.find_last_of("/\\");
-    const std::string dir = slash == std::string::npos ? "." : path.substr(0, slash + 1);
-    const std::string name = slash == std::string::npos ? path : path.substr(slash + 1);
-    std::vector<std::string> found;
-    const cow_List<utl_FilePath> files = utl_DirObject(utl_FilePath(dir.c_str(), cow_String())).PrefixMatchFilenames((name + ".").c_str());
-    for (cow_ListIter<utl_FilePath> it(files); it.NotDone(); it.Next()) {
-        const std::string candidate = it.Current().FileName().c_str();
-        if (candidate.size() > name.size() + 5 && candidate.compare(0, name.size() + 1, name + ".") == 0 &&
-            candidate.compare(candidate.size() - 4, 4, ".tmp") == 0)
-            found.push_back(slash == std::string::npos ? candidate : dir + candidate);
-    }
-    return found;
-}
-
 int Recover(const std::string& path)
 {
     if (path.empty())
         return zulutil_UsageError("msf", "msf recover needs FILE");
-    if (Verifies(path)) {
+    cow_String save;
+    switch (utl_MultisectionFile::RestoreFromSaveFile(path.c_str(), save)) {
+    case utl_MultisectionFile::RestoreNotNeeded:
         std::printf("%s: verifies; nothing to recover\n", path.c_str());
         return zulutil_Ok;
-    }
-    for (const std::string& save : SaveFilesBeside(path)) {
-        if (!Verifies(save))
-            continue;
-        zulutil_WriteAll(path, zulutil_ReadAll(save));
-        if (!Verifies(path))
-            break;
-        std::remove(save.c_str());
+    case utl_MultisectionFile::RestoreDone:
         std::printf("%s: restored from %s\n", path.c_str(), save.c_str());
         return zulutil_Ok;
+    default:
+        std::printf("%s: does not verify and no complete save file was found; nothing changed\n", path.c_str());
+        return zulutil_CheckFailed;
     }
-    std::printf("%s: does not verify and no complete save file was found; nothing changed\n", path.c_str());
-    return zulutil_CheckFailed;
 }
 
 int Unlock(const zulutil_Args& args)

@@ -1,5 +1,6 @@
 #include "utl/utl_File.h"
 
+#include <atomic>
 #include <exception>
 
 #include "atr/atr_translate.h"
@@ -41,6 +42,47 @@ template <class E>
     failure.Throw(ZUL_SOURCE_NAME, line);
 }
 
+// The test hook's state: constant-initialised, so there is no start-up work.
+std::atomic<bool> g_hookOn{false};
+std::atomic<long> g_calls[utl_FileCallKinds] = {};
+std::atomic<int> g_failKind{-1};
+std::atomic<long> g_failAt{0};
+std::atomic<uint32_t> g_failError{0};
+std::atomic<bool> g_fired{false};
+
+// A system call behind the test hook.
+template <class Call>
+bool Sys(utl_FileCallEnm kind, uint32_t& error, Call call)
+{
+    return !FS::FaultFires(kind, error) && call();
+}
+
+// Closing behind the hook: a failed close releases the handle all the same, as systems do.
+bool CloseBehindHook(intptr_t handle, uint32_t& error)
+{
+    uint32_t injected = 0;
+    const bool fault = FS::FaultFires(utl_FileCallClose, injected);
+    const bool closed = FS::Close(handle, error);
+    if (fault)
+        error = injected;
+    return closed && !fault;
+}
+
+// Read and write behind the hook, where the error 0 stands for a short transfer.
+template <class Call>
+bool Transfer(utl_FileCallEnm kind, int count, int& done, uint32_t& error, Call call)
+{
+    if (FS::FaultFires(kind, error)) {
+        if (error != 0)
+            return false;
+        count /= 2;
+        done = 0;
+        if (count == 0)
+            return true;
+    }
+    return call(count);
+}
+
 FS::Share ShareFor(utl_FileAccess access, utl_FileSharing sharing)
 {
     if (sharing == utl_FileShareRead)
@@ -51,6 +93,46 @@ FS::Share ShareFor(utl_FileAccess access, utl_FileSharing sharing)
 }
 
 }  // namespace
+
+bool FS::FaultFires(utl_FileCallEnm kind, uint32_t& error)
+{
+    if (!g_hookOn.load(std::memory_order_relaxed))
+        return false;
+    const long n = g_calls[kind].fetch_add(1, std::memory_order_relaxed) + 1;
+    if (g_failKind.load(std::memory_order_relaxed) != kind || g_failAt.load(std::memory_order_relaxed) != n)
+        return false;
+    error = g_failError.load(std::memory_order_relaxed);
+    g_fired.store(true, std::memory_order_relaxed);
+    return true;
+}
+
+void utl_FileTestFaults(utl_FileCallEnm kind, long n, uint32_t error)
+{
+    g_hookOn.store(false, std::memory_order_relaxed);
+    for (std::atomic<long>& count : g_calls)
+        count.store(0, std::memory_order_relaxed);
+    g_failKind.store(n > 0 ? kind : -1, std::memory_order_relaxed);
+    g_failAt.store(n, std::memory_order_relaxed);
+    g_failError.store(error, std::memory_order_relaxed);
+    g_fired.store(false, std::memory_order_relaxed);
+    g_hookOn.store(true, std::memory_order_seq_cst);
+}
+
+long utl_FileTestCalls(utl_FileCallEnm kind)
+{
+    return g_calls[kind].load(std::memory_order_relaxed);
+}
+
+bool utl_FileTestFaultFired()
+{
+    return g_fired.load(std::memory_order_relaxed);
+}
+
+void utl_FileTestFaultsOff()
+{
+    g_hookOn.store(false, std::memory_order_seq_cst);
+    g_failKind.store(-1, std::memory_order_relaxed);
+}
 
 utl_File::utl_File()
     : m_opened(0), m_handle(-1), m_access(utl_FileAccessRead), m_sharing(utl_FileShareReadWrite)
@@ -68,7 +150,7 @@ utl_File::~utl_File() noexcept(false)
         return;
     m_opened = 0;
     uint32_t error = 0;
-    if (!FS::Close(m_handle, error) && std::uncaught_exceptions() == 0)
+    if (!CloseBehindHook(m_handle, error) && std::uncaught_exceptions() == 0)
         Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
 }
 
@@ -78,7 +160,7 @@ void utl_File::Close()
         return;
     m_opened = 0;
     uint32_t error = 0;
-    if (!FS::Close(m_handle, error))
+    if (!CloseBehindHook(m_handle, error))
         Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
 }
 
@@ -127,7 +209,7 @@ intptr_t utl_File::OpenWith(const cow_String& name, int access, const char* step
 {
     intptr_t handle = -1;
     uint32_t error = 0;
-    if (FS::Open(name, access, ShareFor(m_access, m_sharing), handle, error))
+    if (Sys(utl_FileCallOpen, error, [&] { return FS::Open(name, access, ShareFor(m_access, m_sharing), handle, error); }))
         return handle;
     if (missingStep && FS::IsNoSuchFile(error, name))
         Raise<utl_FileExceptionNoFile>(WithName(kNoFileText, missingStep, name), __LINE__);
@@ -138,7 +220,7 @@ void utl_File::Seek(const utl_FileOffset& position)
 {
     Init();
     uint32_t error = 0;
-    if (!FS::SetPosition(m_handle, position.Value(), error))
+    if (!Sys(utl_FileCallSeek, error, [&] { return FS::SetPosition(m_handle, position.Value(), error); }))
         Raise<utl_FileExceptionSeek>(WithError(kSeekText, "SetFilePointer", error, m_name), __LINE__);
 }
 
@@ -147,7 +229,7 @@ utl_FileOffset utl_File::Location()
     Init();
     int64_t position = 0;
     uint32_t error = 0;
-    if (!FS::GetPosition(m_handle, position, error))
+    if (!Sys(utl_FileCallSeek, error, [&] { return FS::GetPosition(m_handle, position, error); }))
         Raise<utl_FileExceptionLocation>(WithError(kLocationText, "SetFilePointer", error, m_name), __LINE__);
     return utl_FileOffset(position);
 }
@@ -157,7 +239,7 @@ int utl_File::Read(char* buffer, int count)
     Init();
     int done = 0;
     uint32_t error = 0;
-    if (count > 0 && !FS::Read(m_handle, buffer, count, done, error))
+    if (count > 0 && !Transfer(utl_FileCallRead, count, done, error, [&](int n) { return FS::Read(m_handle, buffer, n, done, error); }))
         Raise<utl_FileExceptionRead>(WithError(kReadText, "ReadFile", error, m_name), __LINE__);
     return done;
 }
@@ -177,7 +259,7 @@ int utl_File::WriteShortAllowed(const char* buffer, int count)
     RejectReadOnly(false);
     int done = 0;
     uint32_t error = 0;
-    if (count > 0 && !FS::Write(m_handle, buffer, count, done, error))
+    if (count > 0 && !Transfer(utl_FileCallWrite, count, done, error, [&](int n) { return FS::Write(m_handle, buffer, n, done, error); }))
         Raise<utl_FileExceptionWrite>(WithError(kWriteText, "WriteFile", error, m_name), __LINE__);
     return done;
 }
@@ -195,7 +277,7 @@ void utl_File::Flush()
     Init();
     RejectReadOnly(true);
     uint32_t error = 0;
-    if (!FS::Flush(m_handle, error))
+    if (!Sys(utl_FileCallFlush, error, [&] { return FS::Flush(m_handle, error); }))
         Raise<utl_FileExceptionFlush>(WithError(kFlushText, "FlushFileBuffers", error, m_name), __LINE__);
 }
 
@@ -204,7 +286,7 @@ utl_FileOffset utl_File::FileSize()
     Init();
     int64_t size = 0;
     uint32_t error = 0;
-    if (!FS::Size(m_handle, size, error))
+    if (!Sys(utl_FileCallSize, error, [&] { return FS::Size(m_handle, size, error); }))
         Raise<utl_FileExceptionSize>(WithError(kSizeText, "GetFileSize", error, m_name), __LINE__);
     return utl_FileOffset(size);
 }
@@ -216,19 +298,24 @@ void utl_File::Extend(const utl_FileOffset& size)
         Raise<nex_TextException>(atr_String("utl_File::Extend - attempt to extend a read-only file."), __LINE__);
     uint32_t error = 0;
     auto check = [&](bool ok, const char* step) {
-        if (!ok)
-            Raise<utl_FileExceptionExtend>(WithError(kExtendText, step, error, m_name), __LINE__);
+        if (ok)
+            return;
+        if (FS::IsDiskFull(error))
+            Raise<utl_FileExceptionFull>(WithName(kFullText, step, m_name), __LINE__);
+        Raise<utl_FileExceptionExtend>(WithError(kExtendText, step, error, m_name), __LINE__);
     };
+    auto seek = [&](int64_t to) { return Sys(utl_FileCallSeek, error, [&] { return FS::SetPosition(m_handle, to, error); }); };
     int64_t remembered = 0;
-    check(FS::GetPosition(m_handle, remembered, error), "SetFilePointer 1");
-    check(FS::SetPosition(m_handle, size.Value(), error), "SetFilePointer 2");
-    check(FS::SetEnd(m_handle, error), "SetEndOfFile");
+    check(Sys(utl_FileCallSeek, error, [&] { return FS::GetPosition(m_handle, remembered, error); }), "SetFilePointer 1");
+    check(seek(size.Value()), "SetFilePointer 2");
+    check(Sys(utl_FileCallExtend, error, [&] { return FS::SetEnd(m_handle, error); }), "SetEndOfFile");
     const int64_t tail = static_cast<int64_t>(static_cast<double>(size.Value()) - 4.0);
     char bytes[4] = {0, 0, 0, 0};
-    int done = 0;
-    check(FS::SetPosition(m_handle, tail, error), "SetFilePointer 3");
-    check(FS::Read(m_handle, bytes, 4, done, error), "ReadFile");
-    check(FS::SetPosition(m_handle, tail, error), "SetFilePointer 4");
-    check(FS::Write(m_handle, bytes, done, done, error), "WriteFile");
-    check(FS::SetPosition(m_handle, remembered, error), "SetFilePointer 5");
+    int got = 0, put = 0;
+    check(seek(tail), "SetFilePointer 3");
+    check(Transfer(utl_FileCallRead, 4, got, error, [&](int n) { return FS::Read(m_handle, bytes, n, got, error); }), "ReadFile");
+    check(seek(tail), "SetFilePointer 4");
+    check(got == 0 || Transfer(utl_FileCallWrite, got, put, error, [&](int n) { return FS::Write(m_handle, bytes, n, put, error); }),
+          "WriteFile");
+    check(seek(remembered), "SetFilePointer 5");
 }

@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "cow/cow_String.h"
+#include "utl/utl_File.h"
 
 namespace utl_FileSystem {
 
@@ -23,7 +24,15 @@ bool Read(intptr_t handle, char* buffer, int count, int& done, uint32_t& error);
 bool Write(intptr_t handle, const char* buffer, int count, int& done, uint32_t& error);
 bool Flush(intptr_t handle, uint32_t& error);
 bool Size(intptr_t handle, int64_t& size, uint32_t& error);
+// Makes the current position the end of the file; a growth allocates the new bytes (where the
+// system allows) and, when it fails, leaves the old size.
 bool SetEnd(intptr_t handle, uint32_t& error);
+// The error means no room: a full disk, a quota or a file-size limit.
+bool IsDiskFull(uint32_t error);
+
+// The test hook (utl_FileTestFaults): true when this call of `kind` must fail, with the code to
+// fail with in `error`. Defined once, in the portable part.
+bool FaultFires(utl_FileCallEnm kind, uint32_t& error);
 
 }  // namespace utl_FileSystem
 

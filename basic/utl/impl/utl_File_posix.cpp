@@ -92,12 +92,49 @@ bool Size(intptr_t handle, int64_t& size, uint32_t& error)
     return true;
 }
 
+namespace {
+
+// Writes zeros over [from, to): the growth for file systems without an allocation call.
+int WriteZeros(int fd, off_t from, off_t to)
+{
+    static const char zeros[65536] = {};
+    while (from < to) {
+        const size_t piece = static_cast<size_t>(to - from < off_t(sizeof zeros) ? to - from : off_t(sizeof zeros));
+        const ssize_t n = ::pwrite(fd, zeros, piece, from);
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return n < 0 ? errno : ENOSPC;
+        from += n;
+    }
+    return 0;
+}
+
+}  // namespace
+
 bool SetEnd(intptr_t handle, uint32_t& error)
 {
-    const off_t at = ::lseek(static_cast<int>(handle), 0, SEEK_CUR);
-    if (at == static_cast<off_t>(-1))
+    const int fd = static_cast<int>(handle);
+    const off_t at = ::lseek(fd, 0, SEEK_CUR);
+    struct stat info;
+    if (at == static_cast<off_t>(-1) || ::fstat(fd, &info) != 0)
         return Fail(error);
-    return ::ftruncate(static_cast<int>(handle), at) == 0 || Fail(error);
+    if (at <= info.st_size)
+        return ::ftruncate(fd, at) == 0 || Fail(error);
+    // A growth reserves its blocks now: a full disk then shows before anything is written.
+    int rc = ::posix_fallocate(fd, info.st_size, at - info.st_size);
+    if (rc == EOPNOTSUPP || rc == EINVAL || rc == ENOSYS)
+        rc = WriteZeros(fd, info.st_size, at);
+    if (rc == 0)
+        return true;
+    (void)::ftruncate(fd, info.st_size);  // what was allocated before the failure goes again
+    error = static_cast<uint32_t>(rc);
+    return false;
+}
+
+bool IsDiskFull(uint32_t error)
+{
+    return error == ENOSPC || error == EFBIG || error == EDQUOT;
 }
 
 }  // namespace utl_FileSystem

@@ -2,6 +2,10 @@
 
 #include <windows.h>
 
+#ifndef ERROR_DISK_QUOTA_EXCEEDED
+#define ERROR_DISK_QUOTA_EXCEEDED 1295L  // not in every MinGW header set
+#endif
+
 namespace utl_FileSystem {
 
 namespace {
@@ -100,9 +104,17 @@ bool Size(intptr_t handle, int64_t& size, uint32_t& error)
     return true;
 }
 
+// Setting the end of file allocates the new clusters (the file is not sparse), so a full disk
+// fails here.
 bool SetEnd(intptr_t handle, uint32_t& error)
 {
     return SetEndOfFile(H(handle)) || Fail(error);
+}
+
+bool IsDiskFull(uint32_t error)
+{
+    return error == ERROR_DISK_FULL || error == ERROR_HANDLE_DISK_FULL || error == ERROR_DISK_QUOTA_EXCEEDED ||
+           error == ERROR_FILE_TOO_LARGE;
 }
 
 }  // namespace utl_FileSystem
