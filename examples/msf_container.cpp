@@ -37,23 +37,15 @@ void Verify(const char* path)
     }
 }
 
-// Rewrites the container with the sections of a save file; the save file goes once the
-// container has been saved.
-void Recover(const char* container, const char* saveFile)
+// Restores a container that no longer verifies from the newest complete save file beside it
+// (under the container's lock); the save file goes once the container verifies again.
+void Recover(const char* container)
 {
-    {
-        utl_MultisectionFile from(saveFile, utl_FileAccessRead);
-        utl_MultisectionFile to(container, utl_FileAccessWrite);
-        for (int i = 0; i < from.SectionCount(); ++i) {
-            const cow_String name = from.SectionName(i);
-            std::vector<char> bytes(static_cast<size_t>(from.getSectionLength(name)) + 1);
-            from.getSectionData(name, bytes.data());  // checked against the checksum
-            to.setSectionData(name, bytes.data(), from.getSectionLength(name));
-        }
-        to.saveChanges();
-    }
-    std::remove(saveFile);
-    std::printf("recovered from %s\n", saveFile);
+    cow_String used;
+    if (utl_MultisectionFile::RestoreFromSaveFile(container, used) == utl_MultisectionFile::RestoreDone)
+        std::printf("recovered from %s\n", used.c_str());
+    else
+        std::printf("nothing recovered\n");
 }
 
 // Flips one bit of the file's last byte (the last section's data).
@@ -116,7 +108,7 @@ int main()
         std::printf("one byte of grid damaged on disk\n");
         Verify(kContainer);
 
-        Recover(kContainer, saveFile);
+        Recover(kContainer);
         Verify(kContainer);
     } catch (const nex_Exception& e) {
         std::fprintf(stderr, "failed: %s\n", e.UserReport().c_str());
