@@ -1,0 +1,316 @@
+#include "mem_Pool.h"
+
+#include <atomic>
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <mutex>
+#include <new>
+
+#include "mem/mem_OutOfMemory.h"
+#include "mem_PoolOs.h"
+
+namespace mem_pool {
+
+namespace {
+
+// Size classes: 8-byte steps up to 64, then 16-byte steps up to 128, then 32-byte steps.
+const int kClasses = 16;
+const uint16_t kClassSize[kClasses] = {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256};
+// Class of a size, indexed by (size + 7) / 8.
+const uint8_t kClassOf[kMaxSmall / 8 + 1] = {
+    0, 0, 1, 2, 3, 4, 5, 6, 7,                      // 0 .. 64
+    8, 8, 9, 9, 10, 10, 11, 11,                     // 65 .. 128
+    12, 12, 12, 12, 13, 13, 13, 13,                 // 129 .. 192
+    14, 14, 14, 14, 15, 15, 15, 15};                // 193 .. 256
+
+const size_t kGranule = 8;                // one class byte per 8 bytes of the range
+const size_t kChunk = size_t(256) << 10;  // what a thread takes from the range at a time
+const size_t kChunkHead = 64;             // the owner, and padding to a cache line
+
+struct FreeBlock {
+    FreeBlock* next;
+};
+
+struct ThreadObjectEntry {
+    const void* tag;
+    void* object;
+    void (*destroy)(void*);
+    ThreadObjectEntry* next;
+};
+
+struct ThreadState {
+    // Touched by the owning thread only.
+    FreeBlock* free[kClasses];
+    char* bump;  // the rest of the current chunk, carved front to back
+    char* end;
+    ThreadObjectEntry* objects;
+    ThreadState* nextIdle;
+    ThreadState* nextAll;
+    bool pooled;
+    char apart[64];  // keeps the owner's fields off the cache lines written by other threads
+    // Blocks of the owner freed by other threads.
+    std::atomic<FreeBlock*> returned[kClasses];
+};
+
+struct ChunkHead {
+    ThreadState* owner;
+};
+
+// Set once, before any pool block exists; g_size is published last (release), so that a reader
+// who sees a size also sees the base and the class bytes.
+std::atomic<uintptr_t> g_base{0};
+std::atomic<uint8_t*> g_classes{nullptr};
+std::atomic<size_t> g_size{0};
+std::atomic<size_t> g_carved{0};
+
+enum { kUntried, kOn, kOff };
+std::atomic<int> g_mode{kUntried};
+
+std::mutex g_lock;  // guards the lists below and the start-up
+ThreadState* g_idle = nullptr;
+ThreadState* g_all = nullptr;
+int g_states = 0;
+int g_idleStates = 0;
+
+thread_local ThreadState* t_state MEM_TLS_MODEL = nullptr;
+
+void ThreadEnds(void* data);
+
+bool PoolWanted()
+{
+    if (!MEM_POOL_BUILT)
+        return false;
+    const char* setting = std::getenv("ZUL_MEM_POOL");
+    return !(setting && std::strcmp(setting, "off") == 0);
+}
+
+// Reserves the range and the class bytes beside it; the largest size the system grants.
+void StartUp()
+{
+    mem_os::SetThreadExitHook(&ThreadEnds);
+    if (!PoolWanted()) {
+        g_mode.store(kOff, std::memory_order_release);
+        return;
+    }
+    for (size_t gib : {64, 16, 4, 1}) {
+        const size_t bytes = gib << 30;
+        // One extra chunk so that the first can start on a chunk boundary.
+        char* raw = static_cast<char*>(mem_os::Reserve(bytes + kChunk));
+        if (!raw)
+            continue;
+        uint8_t* classes = static_cast<uint8_t*>(mem_os::Reserve(bytes / kGranule));
+        if (!classes)
+            continue;  // the range stays reserved and unused: rare, and only address space
+        const uintptr_t base = (reinterpret_cast<uintptr_t>(raw) + kChunk - 1) & ~(uintptr_t(kChunk) - 1);
+        g_base.store(base, std::memory_order_relaxed);
+        g_classes.store(classes, std::memory_order_relaxed);
+        g_size.store(bytes, std::memory_order_release);
+        g_mode.store(kOn, std::memory_order_release);
+        return;
+    }
+    g_mode.store(kOff, std::memory_order_release);
+}
+
+void EnsureStarted()
+{
+    if (g_mode.load(std::memory_order_acquire) != kUntried)
+        return;
+    std::lock_guard<std::mutex> hold(g_lock);
+    if (g_mode.load(std::memory_order_relaxed) == kUntried)
+        StartUp();
+}
+
+// The calling thread's state: its own, a waiting one of an ended thread, or a new one; null
+// when none can be made.
+ThreadState* State()
+{
+    if (ThreadState* t = t_state)
+        return t;
+    EnsureStarted();
+    ThreadState* t;
+    {
+        std::lock_guard<std::mutex> hold(g_lock);
+        t = g_idle;
+        if (t) {
+            g_idle = t->nextIdle;
+            --g_idleStates;
+        } else {
+            void* raw = std::malloc(sizeof(ThreadState));
+            if (!raw)
+                return nullptr;
+            t = ::new (raw) ThreadState();
+            t->pooled = g_mode.load(std::memory_order_relaxed) == kOn;
+            t->nextAll = g_all;
+            g_all = t;
+            ++g_states;
+        }
+    }
+    t_state = t;
+    mem_os::WatchThreadExit(t);
+    return t;
+}
+
+// The ending thread's objects go first (their destruction may free blocks to its lists); the
+// state then waits for the next new thread.
+void ThreadEnds(void* data)
+{
+    ThreadState* t = static_cast<ThreadState*>(data);
+    while (ThreadObjectEntry* e = t->objects) {
+        t->objects = e->next;
+        e->destroy(e->object);
+        std::free(e);
+    }
+    t_state = nullptr;
+    std::lock_guard<std::mutex> hold(g_lock);
+    t->nextIdle = g_idle;
+    g_idle = t;
+    ++g_idleStates;
+}
+
+void MarkClass(uintptr_t block, int c)
+{
+    const uintptr_t base = g_base.load(std::memory_order_relaxed);
+    g_classes.load(std::memory_order_relaxed)[(block - base) / kGranule] = static_cast<uint8_t>(c + 1);
+}
+
+bool NewChunk(ThreadState* t)
+{
+    const size_t size = g_size.load(std::memory_order_acquire);
+    const size_t at = g_carved.fetch_add(kChunk, std::memory_order_relaxed);
+    if (at + kChunk > size)
+        return false;  // the range is used up: later blocks come from the runtime heap
+    char* chunk = reinterpret_cast<char*>(g_base.load(std::memory_order_relaxed) + at);
+    if (!mem_os::Commit(chunk, kChunk) ||
+        !mem_os::Commit(g_classes.load(std::memory_order_relaxed) + at / kGranule, kChunk / kGranule))
+        return false;
+    reinterpret_cast<ChunkHead*>(chunk)->owner = t;
+    t->bump = chunk + kChunkHead;
+    t->end = chunk + kChunk;
+    return true;
+}
+
+// A new block of class c from the current chunk. Classes that are multiples of 16 start on a
+// 16-byte boundary; the 8 bytes that may be skipped for that stay unused, so that blocks made
+// together keep to the cache lines they were carved in (a handle, its count cell and its node
+// make one 64-byte line).
+void* Carve(ThreadState* t, int c)
+{
+    const size_t size = kClassSize[c];
+    const uintptr_t align = size % 16 == 0 ? 16 : 8;
+    uintptr_t at = (reinterpret_cast<uintptr_t>(t->bump) + align - 1) & ~(align - 1);
+    if (!t->bump || at + size > reinterpret_cast<uintptr_t>(t->end)) {
+        if (!NewChunk(t))
+            return nullptr;
+        at = (reinterpret_cast<uintptr_t>(t->bump) + align - 1) & ~(align - 1);
+    }
+    MarkClass(at, c);
+    t->bump = reinterpret_cast<char*>(at + size);
+    return reinterpret_cast<void*>(at);
+}
+
+void* Refill(ThreadState* t, int c)
+{
+    if (!t->pooled)
+        return nullptr;
+    if (t->returned[c].load(std::memory_order_relaxed)) {
+        if (FreeBlock* list = t->returned[c].exchange(nullptr, std::memory_order_acquire)) {
+            t->free[c] = list->next;
+            return list;
+        }
+    }
+    return Carve(t, c);
+}
+
+}  // namespace
+
+void* Allocate(size_t size)
+{
+    ThreadState* t = t_state;
+    if (!t) {
+        t = State();
+        if (!t)
+            return nullptr;
+    }
+    const int c = kClassOf[(size + 7) / 8];
+    if (FreeBlock* b = t->free[c]) {
+        FreeBlock* next = b->next;
+        t->free[c] = next;
+        __builtin_prefetch(next);  // the next pop reads it
+        return b;
+    }
+    return Refill(t, c);
+}
+
+size_t BlockSize(const void* p)
+{
+    const size_t size = g_size.load(std::memory_order_acquire);
+    const uintptr_t offset = reinterpret_cast<uintptr_t>(p) - g_base.load(std::memory_order_relaxed);
+    if (offset >= size)
+        return 0;
+    const int c = g_classes.load(std::memory_order_relaxed)[offset / kGranule] - 1;
+    if (c < 0)
+        std::abort();  // not the start of a block: the heap is corrupt
+    return kClassSize[c];
+}
+
+bool Free(void* p)
+{
+    const size_t size = g_size.load(std::memory_order_acquire);
+    const uintptr_t base = g_base.load(std::memory_order_relaxed);
+    const uintptr_t offset = reinterpret_cast<uintptr_t>(p) - base;
+    if (offset >= size)
+        return false;
+    const int c = g_classes.load(std::memory_order_relaxed)[offset / kGranule] - 1;
+    if (c < 0)
+        std::abort();  // not the start of a block: the heap is corrupt
+    ThreadState* owner = reinterpret_cast<ChunkHead*>(base + (offset & ~(uintptr_t(kChunk) - 1)))->owner;
+    FreeBlock* b = static_cast<FreeBlock*>(p);
+    if (owner == t_state) {
+        b->next = owner->free[c];
+        owner->free[c] = b;
+        return true;
+    }
+    FreeBlock* head = owner->returned[c].load(std::memory_order_relaxed);
+    do {
+        b->next = head;
+    } while (!owner->returned[c].compare_exchange_weak(head, b, std::memory_order_release, std::memory_order_relaxed));
+    return true;
+}
+
+void* ThreadObject(const void* tag, void* (*make)(), void (*destroy)(void*))
+{
+    ThreadState* t = State();
+    if (!t)
+        mem_ThrowOutOfMemory(sizeof(ThreadState));
+    for (ThreadObjectEntry* e = t->objects; e; e = e->next) {
+        if (e->tag == tag)
+            return e->object;
+    }
+    void* object = make();
+    ThreadObjectEntry* e = static_cast<ThreadObjectEntry*>(std::malloc(sizeof(ThreadObjectEntry)));
+    if (!e) {
+        destroy(object);
+        mem_ThrowOutOfMemory(sizeof(ThreadObjectEntry));
+    }
+    e->tag = tag;
+    e->object = object;
+    e->destroy = destroy;
+    e->next = t->objects;
+    t->objects = e;
+    return object;
+}
+
+void Statistics(mem_PoolStatistics* out)
+{
+    EnsureStarted();
+    std::lock_guard<std::mutex> hold(g_lock);
+    out->enabled = g_mode.load(std::memory_order_relaxed) == kOn ? 1 : 0;
+    out->reservedBytes = g_size.load(std::memory_order_relaxed);
+    const size_t carved = g_carved.load(std::memory_order_relaxed);
+    out->carvedBytes = carved < out->reservedBytes ? carved : out->reservedBytes;
+    out->threadStates = g_states;
+    out->idleThreadStates = g_idleStates;
+}
+
+}  // namespace mem_pool
