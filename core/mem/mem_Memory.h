@@ -41,6 +41,10 @@ ZUL_CORE_API void* mem_Realloc(void* p, size_t size);
 // Frees a block from any allocation function above; null is ignored.
 ZUL_CORE_API void mem_Free(void* p);
 
+// The bytes that a block asked for with `size` really gives (at least `size`): buffers that
+// grow ask for this much and use all of it.
+ZUL_CORE_API size_t mem_GoodSize(size_t size);
+
 // Entry point called at start-up by the upper library; does nothing.
 ZUL_CORE_API void mem_formalize();
 

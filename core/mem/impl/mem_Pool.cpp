@@ -209,10 +209,18 @@ void* Carve(ThreadState* t, int c)
     return reinterpret_cast<void*>(at);
 }
 
-void* Refill(ThreadState* t, int c)
+// Everything but a pop from the thread's own list: kept out of line so that the pop needs no
+// stack frame.
+__attribute__((noinline)) void* AllocateSlow(size_t size)
 {
-    if (!t->pooled)
+    ThreadState* t = State();
+    if (!t || !t->pooled)
         return nullptr;
+    const int c = kClassOf[(size + 7) / 8];
+    if (FreeBlock* b = t->free[c]) {
+        t->free[c] = b->next;
+        return b;
+    }
     if (t->returned[c].load(std::memory_order_relaxed)) {
         if (FreeBlock* list = t->returned[c].exchange(nullptr, std::memory_order_acquire)) {
             t->free[c] = list->next;
@@ -226,20 +234,22 @@ void* Refill(ThreadState* t, int c)
 
 void* Allocate(size_t size)
 {
-    ThreadState* t = t_state;
-    if (!t) {
-        t = State();
-        if (!t)
-            return nullptr;
+    if (ThreadState* t = t_state) {
+        const int c = kClassOf[(size + 7) / 8];
+        if (FreeBlock* b = t->free[c]) {
+            FreeBlock* next = b->next;
+            t->free[c] = next;
+            __builtin_prefetch(next);  // the next pop reads it
+            return b;
+        }
     }
-    const int c = kClassOf[(size + 7) / 8];
-    if (FreeBlock* b = t->free[c]) {
-        FreeBlock* next = b->next;
-        t->free[c] = next;
-        __builtin_prefetch(next);  // the next pop reads it
-        return b;
-    }
-    return Refill(t, c);
+    return AllocateSlow(size);
+}
+
+size_t GoodSize(size_t size)
+{
+    EnsureStarted();
+    return g_mode.load(std::memory_order_relaxed) == kOn ? kClassSize[kClassOf[(size + 7) / 8]] : size;
 }
 
 size_t BlockSize(const void* p)

@@ -43,6 +43,9 @@ const size_t kMaxSmall = 256;
 // multiple of 16 and to 8 otherwise; null when the pool does not serve it (off, out of address
 // space or out of thread states): the caller then uses the runtime heap.
 void* Allocate(size_t size);
+// What a request of `size` (at most kMaxSmall) bytes is given: its class size when the pool is
+// on, `size` when it is off.
+size_t GoodSize(size_t size);
 // The usable bytes of a pool block; 0 when p is not one.
 size_t BlockSize(const void* p);
 // Takes a pool block back; false (nothing done) when p is not one.
