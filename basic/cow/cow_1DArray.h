@@ -71,17 +71,31 @@ public:
     const T& operator[](int i) const { return Element(i + m_offset); }
     const T& ConstGet(int i) const { return Element(i + m_offset); }
 
+    // The elements from logical position i to the end of the block that holds it: a pointer to
+    // element i, with n set to how many follow it in memory (i itself included). A block not
+    // made yet is read one default element at a time. No range check.
+    const T* ConstRun(int i, int& n) const
+    {
+        const int32_t full = i + m_offset;
+        const int32_t b = full >> m_shift;
+        const Block* block = m_table[b];
+        if (!block) {
+            n = 1;
+            return &DefaultElement();
+        }
+        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
+        n = (int32_t(1) << m_shift) - at;
+        return block->elements + at;
+    }
+
     // Write access: writing at or beyond the logical size grows the array to i + 1; otherwise
     // the array and the block concerned are made private first.
     T& Get(int i)
     {
         if (i >= Size()) {
-            // Writing just past the end of a private array whose table has room is what Grow
-            // would do in that case, without its general steps (the common append).
-            if (i == Size() && m_shift != 0 && *m_counter == 1 && BlocksFor(m_fullSize + 1, m_shift) <= m_capacity)
-                ++m_fullSize;
-            else
-                Grow(i + 1);
+            if (T* slot = NextSlot(i))
+                return *slot;
+            Grow(i + 1);
         } else {
             MakePrivate();
         }
@@ -271,11 +285,31 @@ private:
     // element, so reads never allocate and never change the table.
     const T& Element(int32_t full) const
     {
-        const int32_t b = full >> m_shift;
-        const Block* block = m_table[b];
+        const Block* block = m_table[full >> m_shift];
         if (__builtin_expect(block != nullptr, 1))
-            return block->elements[full - (b << m_shift)];
+            return block->elements[full & ((int32_t(1) << m_shift) - 1)];
         return DefaultElement();
+    }
+
+    // The common append: writing just past the end of a private array, into a private block that
+    // is already made, grows the array by one with no other step. Null when that does not apply
+    // (the caller then takes the general path).
+    T* NextSlot(int i)
+    {
+        const int32_t full = m_fullSize;
+        if (i != full - m_offset || m_shift == 0 || *m_counter != 1)
+            return nullptr;
+        const int32_t b = full >> m_shift;
+        if (b >= m_capacity)
+            return nullptr;
+        Block* block = m_table[b];
+        if (!block || block->count != 1) {
+            // A block still to make (or to copy) in a table with room: one step of Grow.
+            PrivateBlock(m_table[b]);
+            block = m_table[b];
+        }
+        m_fullSize = full + 1;
+        return block->elements + (full & ((int32_t(1) << m_shift) - 1));
     }
 
     static const T& DefaultElement()
