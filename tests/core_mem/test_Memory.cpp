@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "mem/mem_Memory.h"
@@ -60,6 +62,127 @@ TEST_F(MemTest, BlocksFromEveryEntryPointAreUsableAndFreedByMemFree)
     mem_Free(c);
     mem_Free(d);
     mem_Free(nullptr);
+}
+
+// Blocks of every small size (the pool's) and a few larger ones: each offers all of
+// mem_GoodSize(n) bytes, is aligned as the global operator new would align an object of its size,
+// and overlaps no other block.
+TEST_F(MemTest, BlocksOfEverySizeAreAlignedDisjointAndOfferTheirGoodSize)
+{
+    std::vector<std::pair<unsigned char*, size_t>> blocks;
+    for (size_t n = 0; n <= 300; ++n) {
+        const size_t good = mem_GoodSize(n);
+        ASSERT_GE(good, n);
+        auto* p = static_cast<unsigned char*>(n % 2 ? mem_OperatorNewTinyThrow(good) : mem_Malloc(good));
+        ASSERT_NE(p, nullptr);
+        const uintptr_t align = (n >= 16 && n % 16 == 0) ? 16 : (n > 4 ? 8 : 4);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(p) % align, 0u) << "size " << n;
+        std::memset(p, static_cast<int>(n & 0xFF), good);
+        blocks.emplace_back(p, n);
+    }
+    for (const auto& b : blocks) {
+        const size_t good = mem_GoodSize(b.second);
+        for (size_t i = 0; i < good; ++i)
+            ASSERT_EQ(b.first[i], static_cast<unsigned char>(b.second & 0xFF)) << "block of " << b.second;
+        mem_Free(b.first);
+    }
+}
+
+TEST_F(MemTest, ReallocKeepsContentsAcrossPoolAndRuntimeBlocks)
+{
+    char* p = static_cast<char*>(mem_Realloc(nullptr, 24));
+    ASSERT_NE(p, nullptr);
+    std::memcpy(p, "small block, pool sized", 24);
+    size_t size = 24;
+    for (int step = 0; step < 200; ++step) {  // small steps, out of the pool and on
+        size += 40;
+        p = static_cast<char*>(mem_Realloc(p, size));
+        ASSERT_NE(p, nullptr);
+        p[size - 1] = static_cast<char>(step);
+    }
+    EXPECT_STREQ(p, "small block, pool sized");
+    for (int step = 0; step < 200; ++step)
+        ASSERT_EQ(p[24 + 40 * (step + 1) - 1], static_cast<char>(step));
+    p = static_cast<char*>(mem_Realloc(p, 10));  // shrinking keeps the front
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(std::memcmp(p, "small bloc", 10), 0);
+    EXPECT_EQ(mem_Realloc(p, 0), nullptr);  // frees, as the runtime does
+}
+
+// Blocks freed by another thread go back to the thread that made them, and a new thread takes
+// over the state (and the blocks) of one that ended: neither grows the pool.
+TEST_F(MemTest, PoolTakesBackBlocksFreedElsewhereAndReusesStatesOfEndedThreads)
+{
+    mem_PoolStatistics before;
+    mem_GetPoolStatistics(&before);
+    if (!before.enabled)
+        GTEST_SKIP() << "the pool is off in this build";
+    const int kBlocks = 20000;  // about 2.5 MB, ten chunks
+    std::vector<void*> made(kBlocks);
+    std::atomic<int> stage{0};
+    std::thread maker([&] {
+        for (int round = 0; round < 3; ++round) {
+            for (int i = 0; i < kBlocks; ++i)
+                made[i] = mem_OperatorNewTinyThrow(8 + i % 249);
+            stage.store(2 * round + 1);
+            while (stage.load() != 2 * round + 2)  // the main thread frees them meanwhile
+                std::this_thread::yield();
+        }
+    });
+    mem_PoolStatistics afterFirst{};
+    for (int round = 0; round < 3; ++round) {
+        while (stage.load() != 2 * round + 1)
+            std::this_thread::yield();
+        if (round == 0)
+            mem_GetPoolStatistics(&afterFirst);
+        for (void* p : made)
+            mem_Free(p);
+        stage.store(2 * round + 2);
+    }
+    maker.join();
+    mem_PoolStatistics after;
+    mem_GetPoolStatistics(&after);
+    // Rounds 2 and 3 reuse the blocks of round 1 (a chunk's worth of slack for the test's own work).
+    EXPECT_LE(after.carvedBytes, afterFirst.carvedBytes + (size_t(1) << 18));
+
+    for (int t = 0; t < 20; ++t) {
+        std::thread([] {
+            std::vector<void*> blocks;
+            for (int i = 0; i < 5000; ++i)
+                blocks.push_back(mem_OperatorNewThrow(16 + i % 64));
+            for (void* p : blocks)
+                mem_Free(p);
+        }).join();
+    }
+    mem_PoolStatistics churned;
+    mem_GetPoolStatistics(&churned);
+    EXPECT_LE(churned.threadStates, after.threadStates + 1) << "each thread takes over the state of the one before";
+    EXPECT_LE(churned.carvedBytes, after.carvedBytes + (size_t(1) << 19));
+}
+
+// Per-thread objects: one per thread and tag, made on first request, destroyed at the end of
+// their thread.
+TEST_F(MemTest, ThreadObjectsAreMadeOncePerThreadAndDestroyedAtItsEnd)
+{
+    static std::atomic<int> made{0}, destroyed{0};
+    static const char tagA = 0, tagB = 0;
+    auto make = []() -> void* { ++made; return new int(0); };
+    auto destroy = [](void* p) { ++destroyed; delete static_cast<int*>(p); };
+    std::vector<std::thread> threads;
+    std::atomic<int> wrong{0};
+    for (int t = 0; t < 4; ++t) {
+        threads.emplace_back([&wrong, make, destroy] {
+            int* a = static_cast<int*>(mem_ThreadObject(&tagA, make, destroy));
+            int* b = static_cast<int*>(mem_ThreadObject(&tagB, make, destroy));
+            wrong += a == b || mem_ThreadObject(&tagA, make, destroy) != a || *a != 0;
+            *a = 1;  // no other thread sees it
+        });
+    }
+    for (std::thread& t : threads)
+        t.join();
+    EXPECT_EQ(wrong.load(), 0);
+    EXPECT_EQ(made.load(), 8);
+    EXPECT_EQ(destroyed.load(), 8);
 }
 
 TEST_F(MemTest, HookFailsExactlyTheNthAllocation)

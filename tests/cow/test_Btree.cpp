@@ -117,6 +117,17 @@ TEST(CowBtree, IterationBothWays)
         down.push_back(it.Key());
     EXPECT_EQ(up, (std::vector<int>{1, 3, 4, 6, 7, 8, 10, 13, 14}));
     EXPECT_EQ(down, (std::vector<int>{14, 13, 10, 8, 7, 6, 4, 3, 1}));
+    // A stack deeper than the iterator's own array moves to the heap with every link kept.
+    it.First();
+    for (int i = 0; i < 40; ++i)
+        it.Push(t.Root());
+    EXPECT_EQ(it.Depth(), 43);
+    std::vector<int> deep;
+    for (; it.NotDone(); it.Next())
+        deep.push_back(it.Key());
+    ASSERT_EQ(deep.size(), 40u * 4 + 9);
+    EXPECT_EQ(std::vector<int>(deep.begin(), deep.begin() + 4), (std::vector<int>{8, 10, 13, 14}));
+    EXPECT_EQ(std::vector<int>(deep.end() - 9, deep.end()), up);
     const cow_List<int> values = cow_BtreeUtils<int, int>::cow_Values(t);
     EXPECT_EQ(values[0], -1);
     const cow_List<int> keys = cow_BtreeUtils<int, int>::cow_Keys(t);
