@@ -26,11 +26,24 @@ const uint8_t kClassOf[kMaxSmall / 8 + 1] = {
 
 const size_t kGranule = 8;                // one class byte per 8 bytes of the range
 const size_t kChunk = size_t(256) << 10;  // what a thread takes from the range at a time
-const size_t kChunkHead = 64;             // the owner, and padding to a cache line
 
 struct FreeBlock {
     FreeBlock* next;
 };
+
+struct ThreadState;
+
+// The head of every chunk. Only the owning thread reads or writes it, apart from `owner`, which
+// is set once.
+struct Chunk {
+    ThreadState* owner;
+    int32_t live;                     // blocks handed out and not back in this chunk's lists
+    uint32_t listed;                  // bit c: the chunk is on its owner's avail[c] list
+    FreeBlock* free[kClasses];        // freed blocks of each class, last freed first
+    Chunk* nextAvail[kClasses];
+    Chunk* nextEmpty;
+};
+const size_t kChunkHead = (sizeof(Chunk) + 63) & ~size_t(63);
 
 struct ThreadObjectEntry {
     const void* tag;
@@ -41,9 +54,12 @@ struct ThreadObjectEntry {
 
 struct ThreadState {
     // Touched by the owning thread only.
-    FreeBlock* free[kClasses];
-    char* bump;  // the rest of the current chunk, carved front to back
+    Chunk* avail[kClasses];  // chunks holding freed blocks of each class (an entry whose list has
+                             // since been emptied is dropped when met)
+    Chunk* carving;          // the chunk being carved front to back, from bump to end
+    char* bump;
     char* end;
+    Chunk* empty;  // chunks whose blocks are all free, to be carved afresh
     ThreadObjectEntry* objects;
     ThreadState* nextIdle;
     ThreadState* nextAll;
@@ -51,10 +67,6 @@ struct ThreadState {
     char apart[64];  // keeps the owner's fields off the cache lines written by other threads
     // Blocks of the owner freed by other threads.
     std::atomic<FreeBlock*> returned[kClasses];
-};
-
-struct ChunkHead {
-    ThreadState* owner;
 };
 
 // Set once, before any pool block exists; g_size is published last (release), so that a reader
@@ -174,24 +186,43 @@ void MarkClass(uintptr_t block, int c)
     g_classes.load(std::memory_order_relaxed)[(block - base) / kGranule] = static_cast<uint8_t>(c + 1);
 }
 
-bool NewChunk(ThreadState* t)
+Chunk* ChunkOf(uintptr_t block, uintptr_t base)
 {
+    return reinterpret_cast<Chunk*>(base + ((block - base) & ~(uintptr_t(kChunk) - 1)));
+}
+
+// Makes `chunk` the one being carved, from its start.
+void StartCarving(ThreadState* t, Chunk* chunk)
+{
+    t->carving = chunk;
+    t->bump = reinterpret_cast<char*>(chunk) + kChunkHead;
+    t->end = reinterpret_cast<char*>(chunk) + kChunk;
+}
+
+// The next chunk to carve: one whose blocks have all come back, else a new one from the range.
+bool NextChunk(ThreadState* t)
+{
+    if (Chunk* chunk = t->empty) {
+        t->empty = chunk->nextEmpty;
+        StartCarving(t, chunk);
+        return true;
+    }
     const size_t size = g_size.load(std::memory_order_acquire);
     const size_t at = g_carved.fetch_add(kChunk, std::memory_order_relaxed);
     if (at + kChunk > size)
         return false;  // the range is used up: later blocks come from the runtime heap
-    char* chunk = reinterpret_cast<char*>(g_base.load(std::memory_order_relaxed) + at);
-    if (!mem_os::Commit(chunk, kChunk) ||
+    char* raw = reinterpret_cast<char*>(g_base.load(std::memory_order_relaxed) + at);
+    if (!mem_os::Commit(raw, kChunk) ||
         !mem_os::Commit(g_classes.load(std::memory_order_relaxed) + at / kGranule, kChunk / kGranule))
         return false;
-    reinterpret_cast<ChunkHead*>(chunk)->owner = t;
-    t->bump = chunk + kChunkHead;
-    t->end = chunk + kChunk;
+    Chunk* chunk = ::new (raw) Chunk();
+    chunk->owner = t;
+    StartCarving(t, chunk);
     return true;
 }
 
-// A new block of class c from the current chunk. Classes that are multiples of 16 start on a
-// 16-byte boundary; the 8 bytes that may be skipped for that stay unused, so that blocks made
+// A new block of class c from the chunk being carved. Classes that are multiples of 16 start on
+// a 16-byte boundary; the 8 bytes that may be skipped for that stay unused, so that blocks made
 // together keep to the cache lines they were carved in (a handle, its count cell and its node
 // make one 64-byte line).
 void* Carve(ThreadState* t, int c)
@@ -199,17 +230,63 @@ void* Carve(ThreadState* t, int c)
     const size_t size = kClassSize[c];
     const uintptr_t align = size % 16 == 0 ? 16 : 8;
     uintptr_t at = (reinterpret_cast<uintptr_t>(t->bump) + align - 1) & ~(align - 1);
-    if (!t->bump || at + size > reinterpret_cast<uintptr_t>(t->end)) {
-        if (!NewChunk(t))
+    if (!t->carving || at + size > reinterpret_cast<uintptr_t>(t->end)) {
+        if (!NextChunk(t))
             return nullptr;
         at = (reinterpret_cast<uintptr_t>(t->bump) + align - 1) & ~(align - 1);
     }
     MarkClass(at, c);
     t->bump = reinterpret_cast<char*>(at + size);
+    ++t->carving->live;
     return reinterpret_cast<void*>(at);
 }
 
-// Everything but a pop from the thread's own list: kept out of line so that the pop needs no
+// A chunk whose blocks have all come back is carved afresh later, so that what is made next
+// lies together again however the blocks were freed. Its lists are dropped (entries for it on
+// the avail lists are dropped when met).
+void Recycle(ThreadState* t, Chunk* chunk)
+{
+    for (FreeBlock*& list : chunk->free)
+        list = nullptr;
+    if (chunk == t->carving) {
+        StartCarving(t, chunk);
+    } else {
+        chunk->nextEmpty = t->empty;
+        t->empty = chunk;
+    }
+}
+
+// Puts a block of the thread's own back in its chunk's list.
+void PutBack(ThreadState* t, Chunk* chunk, FreeBlock* b, int c)
+{
+    b->next = chunk->free[c];
+    chunk->free[c] = b;
+    const uint32_t bit = uint32_t(1) << c;
+    if (!(chunk->listed & bit)) {
+        chunk->listed |= bit;
+        chunk->nextAvail[c] = t->avail[c];
+        t->avail[c] = chunk;
+    }
+    if (--chunk->live == 0)
+        Recycle(t, chunk);
+}
+
+// Pops a block of class c from the first chunk on avail[c] that still holds one.
+FreeBlock* PopListed(ThreadState* t, int c)
+{
+    while (Chunk* chunk = t->avail[c]) {
+        if (FreeBlock* b = chunk->free[c]) {
+            chunk->free[c] = b->next;
+            ++chunk->live;
+            return b;
+        }
+        t->avail[c] = chunk->nextAvail[c];
+        chunk->listed &= ~(uint32_t(1) << c);
+    }
+    return nullptr;
+}
+
+// Everything but the pop from the first listed chunk: kept out of line so that the pop needs no
 // stack frame.
 __attribute__((noinline)) void* AllocateSlow(size_t size)
 {
@@ -217,15 +294,18 @@ __attribute__((noinline)) void* AllocateSlow(size_t size)
     if (!t || !t->pooled)
         return nullptr;
     const int c = kClassOf[(size + 7) / 8];
-    if (FreeBlock* b = t->free[c]) {
-        t->free[c] = b->next;
+    if (FreeBlock* b = PopListed(t, c))
         return b;
-    }
     if (t->returned[c].load(std::memory_order_relaxed)) {
-        if (FreeBlock* list = t->returned[c].exchange(nullptr, std::memory_order_acquire)) {
-            t->free[c] = list->next;
-            return list;
+        FreeBlock* list = t->returned[c].exchange(nullptr, std::memory_order_acquire);
+        const uintptr_t base = g_base.load(std::memory_order_relaxed);
+        while (list) {
+            FreeBlock* next = list->next;
+            PutBack(t, ChunkOf(reinterpret_cast<uintptr_t>(list), base), list, c);
+            list = next;
         }
+        if (FreeBlock* b = PopListed(t, c))
+            return b;
     }
     return Carve(t, c);
 }
@@ -236,11 +316,14 @@ void* Allocate(size_t size)
 {
     if (ThreadState* t = t_state) {
         const int c = kClassOf[(size + 7) / 8];
-        if (FreeBlock* b = t->free[c]) {
-            FreeBlock* next = b->next;
-            t->free[c] = next;
-            __builtin_prefetch(next);  // the next pop reads it
-            return b;
+        if (Chunk* chunk = t->avail[c]) {
+            if (FreeBlock* b = chunk->free[c]) {
+                FreeBlock* next = b->next;
+                chunk->free[c] = next;
+                ++chunk->live;
+                __builtin_prefetch(next);  // the next pop reads it
+                return b;
+            }
         }
     }
     return AllocateSlow(size);
@@ -274,11 +357,11 @@ bool Free(void* p)
     const int c = g_classes.load(std::memory_order_relaxed)[offset / kGranule] - 1;
     if (c < 0)
         std::abort();  // not the start of a block: the heap is corrupt
-    ThreadState* owner = reinterpret_cast<ChunkHead*>(base + (offset & ~(uintptr_t(kChunk) - 1)))->owner;
+    Chunk* chunk = ChunkOf(reinterpret_cast<uintptr_t>(p), base);
+    ThreadState* owner = chunk->owner;
     FreeBlock* b = static_cast<FreeBlock*>(p);
     if (owner == t_state) {
-        b->next = owner->free[c];
-        owner->free[c] = b;
+        PutBack(owner, chunk, b, c);
         return true;
     }
     FreeBlock* head = owner->returned[c].load(std::memory_order_relaxed);
