@@ -297,8 +297,8 @@ private:
     T* NextSlot(int i)
     {
         const int32_t full = m_fullSize;
-        if (i != full - m_offset || m_shift == 0 || *m_counter != 1)
-            return nullptr;
+        if (i != full - m_offset || *m_counter != 1)
+            return nullptr;  // (an array without blocks has shift and capacity 0: caught below)
         const int32_t b = full >> m_shift;
         if (b >= m_capacity)
             return nullptr;

@@ -6,7 +6,6 @@
 
 #include "mem/mem_OutOfMemory.h"
 #include "mem_Pool.h"
-#include "mem_PoolOs.h"
 
 namespace {
 
@@ -26,8 +25,9 @@ bool HookFires()
 }
 
 // Small blocks from the pool, the others (and all of them when the pool cannot serve) from the
-// runtime heap. Null on failure.
-void* Allocate(size_t size)
+// runtime heap. Null on failure. Inlined into each entry point, so that the pool's pop is the
+// whole of a small allocation.
+inline __attribute__((always_inline)) void* Allocate(size_t size)
 {
     if (size <= mem_pool::kMaxSmall) {
         if (void* p = mem_pool::Allocate(size))
@@ -36,7 +36,7 @@ void* Allocate(size_t size)
     return std::malloc(size ? size : 1);
 }
 
-void* AllocateOrThrow(size_t size)
+inline __attribute__((always_inline)) void* AllocateOrThrow(size_t size)
 {
     void* p = HookFires() ? nullptr : Allocate(size);
     if (!p)

@@ -12,68 +12,13 @@
 
 namespace mem_pool {
 
-namespace {
-
-// Size classes: 8-byte steps up to 64, then 16-byte steps up to 128, then 32-byte steps.
-const int kClasses = 16;
-const uint16_t kClassSize[kClasses] = {8, 16, 24, 32, 40, 48, 56, 64, 80, 96, 112, 128, 160, 192, 224, 256};
-// Class of a size, indexed by (size + 7) / 8.
-const uint8_t kClassOf[kMaxSmall / 8 + 1] = {
-    0, 0, 1, 2, 3, 4, 5, 6, 7,                      // 0 .. 64
-    8, 8, 9, 9, 10, 10, 11, 11,                     // 65 .. 128
-    12, 12, 12, 12, 13, 13, 13, 13,                 // 129 .. 192
-    14, 14, 14, 14, 15, 15, 15, 15};                // 193 .. 256
-
-const size_t kGranule = 8;                // one class byte per 8 bytes of the range
-const size_t kChunk = size_t(256) << 10;  // what a thread takes from the range at a time
-
-struct FreeBlock {
-    FreeBlock* next;
-};
-
-struct ThreadState;
-
-// The head of every chunk. Only the owning thread reads or writes it, apart from `owner`, which
-// is set once.
-struct Chunk {
-    ThreadState* owner;
-    int32_t live;                     // blocks handed out and not back in this chunk's lists
-    uint32_t listed;                  // bit c: the chunk is on its owner's avail[c] list
-    FreeBlock* free[kClasses];        // freed blocks of each class, last freed first
-    Chunk* nextAvail[kClasses];
-    Chunk* nextEmpty;
-};
-const size_t kChunkHead = (sizeof(Chunk) + 63) & ~size_t(63);
-
-struct ThreadObjectEntry {
-    const void* tag;
-    void* object;
-    void (*destroy)(void*);
-    ThreadObjectEntry* next;
-};
-
-struct ThreadState {
-    // Touched by the owning thread only.
-    Chunk* avail[kClasses];  // chunks holding freed blocks of each class (an entry whose list has
-                             // since been emptied is dropped when met)
-    Chunk* carving;          // the chunk being carved front to back, from bump to end
-    char* bump;
-    char* end;
-    Chunk* empty;  // chunks whose blocks are all free, to be carved afresh
-    ThreadObjectEntry* objects;
-    ThreadState* nextIdle;
-    ThreadState* nextAll;
-    bool pooled;
-    char apart[64];  // keeps the owner's fields off the cache lines written by other threads
-    // Blocks of the owner freed by other threads.
-    std::atomic<FreeBlock*> returned[kClasses];
-};
-
-// Set once, before any pool block exists; g_size is published last (release), so that a reader
-// who sees a size also sees the base and the class bytes.
+__thread ThreadState* t_state MEM_TLS_MODEL = nullptr;
 std::atomic<uintptr_t> g_base{0};
 std::atomic<uint8_t*> g_classes{nullptr};
 std::atomic<size_t> g_size{0};
+
+namespace {
+
 std::atomic<size_t> g_carved{0};
 
 enum { kUntried, kOn, kOff };
@@ -84,8 +29,6 @@ ThreadState* g_idle = nullptr;
 ThreadState* g_all = nullptr;
 int g_states = 0;
 int g_idleStates = 0;
-
-thread_local ThreadState* t_state MEM_TLS_MODEL = nullptr;
 
 void ThreadEnds(void* data);
 
@@ -186,11 +129,6 @@ void MarkClass(uintptr_t block, int c)
     g_classes.load(std::memory_order_relaxed)[(block - base) / kGranule] = static_cast<uint8_t>(c + 1);
 }
 
-Chunk* ChunkOf(uintptr_t block, uintptr_t base)
-{
-    return reinterpret_cast<Chunk*>(base + ((block - base) & ~(uintptr_t(kChunk) - 1)));
-}
-
 // Makes `chunk` the one being carved, from its start.
 void StartCarving(ThreadState* t, Chunk* chunk)
 {
@@ -241,36 +179,6 @@ void* Carve(ThreadState* t, int c)
     return reinterpret_cast<void*>(at);
 }
 
-// A chunk whose blocks have all come back is carved afresh later, so that what is made next
-// lies together again however the blocks were freed. Its lists are dropped (entries for it on
-// the avail lists are dropped when met).
-void Recycle(ThreadState* t, Chunk* chunk)
-{
-    for (FreeBlock*& list : chunk->free)
-        list = nullptr;
-    if (chunk == t->carving) {
-        StartCarving(t, chunk);
-    } else {
-        chunk->nextEmpty = t->empty;
-        t->empty = chunk;
-    }
-}
-
-// Puts a block of the thread's own back in its chunk's list.
-void PutBack(ThreadState* t, Chunk* chunk, FreeBlock* b, int c)
-{
-    b->next = chunk->free[c];
-    chunk->free[c] = b;
-    const uint32_t bit = uint32_t(1) << c;
-    if (!(chunk->listed & bit)) {
-        chunk->listed |= bit;
-        chunk->nextAvail[c] = t->avail[c];
-        t->avail[c] = chunk;
-    }
-    if (--chunk->live == 0)
-        Recycle(t, chunk);
-}
-
 // Pops a block of class c from the first chunk on avail[c] that still holds one.
 FreeBlock* PopListed(ThreadState* t, int c)
 {
@@ -286,9 +194,24 @@ FreeBlock* PopListed(ThreadState* t, int c)
     return nullptr;
 }
 
-// Everything but the pop from the first listed chunk: kept out of line so that the pop needs no
-// stack frame.
-__attribute__((noinline)) void* AllocateSlow(size_t size)
+}  // namespace
+
+// A chunk whose blocks have all come back is carved afresh later, so that what is made next
+// lies together again however the blocks were freed. Its lists are dropped (entries for it on
+// the avail lists are dropped when met).
+void Recycle(ThreadState* t, Chunk* chunk)
+{
+    for (FreeBlock*& list : chunk->free)
+        list = nullptr;
+    if (chunk == t->carving) {
+        StartCarving(t, chunk);
+    } else {
+        chunk->nextEmpty = t->empty;
+        t->empty = chunk;
+    }
+}
+
+void* AllocateSlow(size_t size)
 {
     ThreadState* t = State();
     if (!t || !t->pooled)
@@ -310,25 +233,6 @@ __attribute__((noinline)) void* AllocateSlow(size_t size)
     return Carve(t, c);
 }
 
-}  // namespace
-
-void* Allocate(size_t size)
-{
-    if (ThreadState* t = t_state) {
-        const int c = kClassOf[(size + 7) / 8];
-        if (Chunk* chunk = t->avail[c]) {
-            if (FreeBlock* b = chunk->free[c]) {
-                FreeBlock* next = b->next;
-                chunk->free[c] = next;
-                ++chunk->live;
-                __builtin_prefetch(next);  // the next pop reads it
-                return b;
-            }
-        }
-    }
-    return AllocateSlow(size);
-}
-
 size_t GoodSize(size_t size)
 {
     EnsureStarted();
@@ -347,28 +251,12 @@ size_t BlockSize(const void* p)
     return kClassSize[c];
 }
 
-bool Free(void* p)
+void ReturnToOwner(ThreadState* owner, FreeBlock* b, int c)
 {
-    const size_t size = g_size.load(std::memory_order_acquire);
-    const uintptr_t base = g_base.load(std::memory_order_relaxed);
-    const uintptr_t offset = reinterpret_cast<uintptr_t>(p) - base;
-    if (offset >= size)
-        return false;
-    const int c = g_classes.load(std::memory_order_relaxed)[offset / kGranule] - 1;
-    if (c < 0)
-        std::abort();  // not the start of a block: the heap is corrupt
-    Chunk* chunk = ChunkOf(reinterpret_cast<uintptr_t>(p), base);
-    ThreadState* owner = chunk->owner;
-    FreeBlock* b = static_cast<FreeBlock*>(p);
-    if (owner == t_state) {
-        PutBack(owner, chunk, b, c);
-        return true;
-    }
     FreeBlock* head = owner->returned[c].load(std::memory_order_relaxed);
     do {
         b->next = head;
     } while (!owner->returned[c].compare_exchange_weak(head, b, std::memory_order_release, std::memory_order_relaxed));
-    return true;
 }
 
 void* ThreadObject(const void* tag, void* (*make)(), void (*destroy)(void*))
