@@ -338,10 +338,11 @@ def machine(load_before, load_after, seconds, args):
 def rewrite_readme(blocks):
     text = README.read_text()
     for key, body in blocks.items():
-        pat = re.compile(r"(<!-- bench:%s -->\n).*?(\n<!-- /bench:%s -->)" % (re.escape(key), re.escape(key)), re.S)
+        begin, end = f"<!-- bench:{key} -->", f"<!-- /bench:{key} -->"
+        pat = re.compile(re.escape(begin) + r".*?" + re.escape(end), re.S)
         if not pat.search(text):
-            sys.exit(f"bench_tables.py: bench/README.md has no <!-- bench:{key} --> block")
-        text = pat.sub(lambda m: m.group(1) + body + m.group(2), text)
+            sys.exit(f"bench_tables.py: bench/README.md has no {begin} ... {end} block")
+        text = pat.sub(lambda m: begin + "\n" + body + "\n" + end, text)
     README.write_text(text)
 
 

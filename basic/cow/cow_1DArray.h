@@ -296,20 +296,16 @@ private:
     // (the caller then takes the general path).
     T* NextSlot(int i)
     {
-        const int32_t full = m_fullSize;
-        if (i != full - m_offset || *m_counter != 1)
-            return nullptr;  // (an array without blocks has shift and capacity 0: caught below)
-        const int32_t b = full >> m_shift;
-        if (b >= m_capacity)
+        const int32_t full = i + m_offset;
+        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
+        // at == 0: the first element of a block (or an array without blocks) takes the general path.
+        if (full != m_fullSize || at == 0)
             return nullptr;
-        Block* block = m_table[b];
-        if (!block || block->count != 1) {
-            // A block still to make (or to copy) in a table with room: one step of Grow.
-            PrivateBlock(m_table[b]);
-            block = m_table[b];
-        }
+        Block* block = m_table[full >> m_shift];
+        if (!block || block->count != 1 || *m_counter != 1)
+            return nullptr;
         m_fullSize = full + 1;
-        return block->elements + (full & ((int32_t(1) << m_shift) - 1));
+        return block->elements + at;
     }
 
     static const T& DefaultElement()

@@ -50,6 +50,8 @@ struct atr_StringRep {
 extern ZUL_CORE_API const char atr_EmptyText[1];
 
 class ZUL_CORE_API atr_StringBase {
+    friend bool operator==(const atr_StringBase& a, const atr_StringBase& b);
+
 public:
     // Constructor tags.
     enum Borrow { BORROW };
@@ -275,7 +277,10 @@ private:
 // Comparisons, byte-wise over unsigned chars; a null pointer reads as "".
 inline bool operator==(const atr_StringBase& a, const atr_StringBase& b)
 {
-    return a.Length() == b.Length() && a.Compare(b) == 0;
+    if (a.m_rep == b.m_rep)
+        return true;  // one representation (or both empty)
+    const int length = a.Length();
+    return length == b.Length() && std::memcmp(a.c_str(), b.c_str(), static_cast<unsigned>(length)) == 0;
 }
 inline bool operator!=(const atr_StringBase& a, const atr_StringBase& b) { return !(a == b); }
 inline bool operator<(const atr_StringBase& a, const atr_StringBase& b) { return a.Compare(b) < 0; }

@@ -134,6 +134,19 @@ inline void* Allocate(size_t size)
                 __builtin_prefetch(next);  // the next pop reads it
                 return b;
             }
+        } else if (!t->returned[c].load(std::memory_order_relaxed)) {
+            // Nothing of this class to reuse: the next block of the chunk being carved (a thread
+            // without one has a null bump and end, and takes the slow path).
+            const size_t bytes = kClassSize[c];
+            const uintptr_t align = bytes % 16 == 0 ? 16 : 8;
+            const uintptr_t at = (reinterpret_cast<uintptr_t>(t->bump) + align - 1) & ~(align - 1);
+            if (at + bytes <= reinterpret_cast<uintptr_t>(t->end)) {
+                const uintptr_t base = g_base.load(std::memory_order_relaxed);
+                g_classes.load(std::memory_order_relaxed)[(at - base) / kGranule] = static_cast<uint8_t>(c + 1);
+                t->bump = reinterpret_cast<char*>(at + bytes);
+                ++t->carving->live;
+                return reinterpret_cast<void*>(at);
+            }
         }
     }
     return AllocateSlow(size);
