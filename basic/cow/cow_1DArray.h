@@ -102,6 +102,24 @@ public:
         return PrivateElement(i + m_offset);
     }
 
+    // The common append, for writers that append one element at a time: when i is the logical
+    // size, the array is private and the element's block is made and private (not the first
+    // element of a block), the array grows by one and the element is returned, with no other step
+    // of Grow. Null otherwise: the caller then uses Get(i).
+    T* NextSlot(int i)
+    {
+        const int32_t full = i + m_offset;
+        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
+        // at == 0: the first element of a block (or an array without blocks) takes the general path.
+        if (full != m_fullSize || at == 0)
+            return nullptr;
+        Block* block = m_table[full >> m_shift];
+        if (!block || block->count != 1 || *m_counter != 1)
+            return nullptr;
+        m_fullSize = full + 1;
+        return block->elements + at;
+    }
+
     // Sets the logical size to n (0 empties the array and releases its blocks).
     void Grow(int n)
     {
@@ -289,23 +307,6 @@ private:
         if (__builtin_expect(block != nullptr, 1))
             return block->elements[full & ((int32_t(1) << m_shift) - 1)];
         return DefaultElement();
-    }
-
-    // The common append: writing just past the end of a private array, into a private block that
-    // is already made, grows the array by one with no other step. Null when that does not apply
-    // (the caller then takes the general path).
-    T* NextSlot(int i)
-    {
-        const int32_t full = i + m_offset;
-        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
-        // at == 0: the first element of a block (or an array without blocks) takes the general path.
-        if (full != m_fullSize || at == 0)
-            return nullptr;
-        Block* block = m_table[full >> m_shift];
-        if (!block || block->count != 1 || *m_counter != 1)
-            return nullptr;
-        m_fullSize = full + 1;
-        return block->elements + at;
     }
 
     static const T& DefaultElement()

@@ -96,8 +96,10 @@ protected:
 
     void AppendOne(const T& value)
     {
-        T& slot = m_storage.Get(m_count);  // may throw: count unchanged
-        slot = value;
+        T* slot = m_storage.NextSlot(m_count);
+        if (!slot)
+            slot = &m_storage.Get(m_count);  // may throw: count unchanged
+        *slot = value;
         ++m_count;
     }
 

@@ -138,6 +138,10 @@ public:
         if (c == 0)
             return false;
         Handle*& link = c < 0 ? left : right;
+        // On the way back up this node's height is recomputed from both children: fetch the one
+        // off the path now, while the search goes on below.
+        if (Handle* other = c < 0 ? right : left)
+            __builtin_prefetch(other);
         if (link) {
             if (!link->Get().InsertUnlessMember(k, v))
                 return false;
