@@ -92,14 +92,26 @@ public:
     // the array and the block concerned are made private first.
     T& Get(int i)
     {
-        if (i >= Size()) {
-            if (T* slot = NextSlot(i))
-                return *slot;
-            Grow(i + 1);
-        } else {
+        if (i < Size()) {
             MakePrivate();
+            return PrivateElement(i + m_offset);
         }
-        return PrivateElement(i + m_offset);
+        if (T* slot = NextSlot(i))
+            return *slot;
+        const int32_t oldShift = m_shift;
+        const int32_t oldFullSize = m_fullSize;
+        Grow(i + 1);
+        try {
+            return PrivateElement(i + m_offset);
+        } catch (...) {
+            // The block could not be made: back to the old size (a table made just now goes
+            // again; a larger one stays, which changes no element).
+            if (oldShift == 0)
+                Grow(0);
+            else
+                m_fullSize = oldFullSize;
+            throw;
+        }
     }
 
     // The common append, for writers that append one element at a time: when i is the logical
