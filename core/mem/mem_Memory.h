@@ -9,9 +9,9 @@
 // free), which on Windows also keeps blocks inside the one module that made them.
 //
 // The pool: each thread carves blocks one after the other from chunks of its own, so that blocks
-// made together lie together, and reuses the blocks freed to it (per size class, last freed
-// first); a block freed by another thread goes back to its owner. When a thread ends, its blocks
-// wait for the next new thread. The pool keeps its memory for later small blocks rather than
+// made together lie together; freed blocks are reused a chunk at a time (last freed first), and a
+// chunk whose blocks have all come back is carved afresh. A block freed by another thread goes
+// back to its owner. When a thread ends, its blocks wait for the next new thread. The pool keeps its memory for later small blocks rather than
 // returning it to the system. Builds with the address sanitizer leave the pool out (the sanitizer
 // must see every block); setting the environment variable ZUL_MEM_POOL=off before the first
 // allocation does the same at run time (for other memory checkers, and for comparisons).
