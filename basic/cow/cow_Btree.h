@@ -132,24 +132,47 @@ public:
                 link = moved;
     }
 
+    // Inserts into the subtree of this node: each node on the way down is made private; on the
+    // way back up, each node balances its child on the path and recomputes its height. The walk
+    // keeps its path in an array (no call per level); a path longer than that goes on
+    // recursively.
     bool InsertUnlessMember(const K& k, const V& v)
     {
-        const int c = cow_BtreeCompare(k, key);
-        if (c == 0)
-            return false;
-        Handle*& link = c < 0 ? left : right;
-        // On the way back up this node's height is recomputed from both children: fetch the one
-        // off the path now, while the search goes on below.
-        if (Handle* other = c < 0 ? right : left)
-            __builtin_prefetch(other);
-        if (link) {
-            if (!link->Get().InsertUnlessMember(k, v))
+        enum { kPath = 64 };
+        cow_BtreeNode* nodes[kPath];
+        Handle** links[kPath];  // links[d]: the link of nodes[d] taken on the way down
+        cow_BtreeNode* node = this;
+        int depth = 0;
+        for (;;) {
+            const int c = cow_BtreeCompare(k, node->key);
+            if (c == 0)
                 return false;
-            BalanceLink(link);
-        } else {
-            link = NewLink(k, v);
+            Handle*& link = c < 0 ? node->left : node->right;
+            // On the way back up this node's height is recomputed from both children: fetch the
+            // one off the path now, while the search goes on below.
+            if (Handle* other = c < 0 ? node->right : node->left)
+                __builtin_prefetch(other);
+            nodes[depth] = node;
+            links[depth] = &link;
+            ++depth;
+            if (!link) {
+                link = NewLink(k, v);
+                break;
+            }
+            if (depth == kPath) {
+                if (!link->Get().InsertUnlessMember(k, v))
+                    return false;
+                BalanceLink(link);
+                break;
+            }
+            node = &link->Get();
         }
-        UpdateHeight();
+        nodes[--depth]->UpdateHeight();
+        while (depth > 0) {
+            --depth;
+            BalanceLink(*links[depth]);
+            nodes[depth]->UpdateHeight();
+        }
         return true;
     }
 
