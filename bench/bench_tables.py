@@ -329,8 +329,8 @@ def machine(load_before, load_after, seconds, args):
         f"{args.repetitions} interleaved repetitions per condition, medians",
         f"- date: {datetime.date.today().isoformat()}, source commit {commit}, "
         f"build `linux` preset ({build_type()}), {seconds / 60:.1f} minutes in all",
-        f"- machine: {model}, {os.cpu_count()} cores; load average {load_before} at the start, "
-        f"{load_after} at the end (other builds were running on the same cores)",
+        f"- machine: {model}, {os.cpu_count()} cores; load average (1 / 5 / 15 minutes) {load_before} at "
+        f"the start, {load_after} at the end (the machine is shared: other work counts in it)",
         "- time: CPU time of the benchmark thread, except where a table says wall time",
     ])
 
@@ -359,9 +359,9 @@ def main():
     ap.add_argument("--reuse", action="store_true",
                     help="no run: the tables from the results of the last run (build/linux/bench-results); "
                          "README left alone")
-    ap.add_argument("--repetitions", type=int, default=3, help="interleaved repetitions per condition (default 3)")
+    ap.add_argument("--repetitions", type=int, default=5, help="interleaved repetitions per condition (default 5)")
     ap.add_argument("--min-time", type=float, default=None,
-                    help="--benchmark_min_time in seconds for every repetition (default 0.2)")
+                    help="--benchmark_min_time in seconds for every repetition (default 0.3)")
     ap.add_argument("--only", nargs="+", metavar="PROGRAM", help="only these programs; README left alone")
     ap.add_argument("--no-build", action="store_true", help="use the programs as built")
     args = ap.parse_args()
@@ -370,7 +370,7 @@ def main():
         sys.exit("bench_tables.py: medians need at least 3 repetitions")
     custom_time = args.min_time is not None
     if args.min_time is None:
-        args.min_time = 0.05 if args.quick else 0.2
+        args.min_time = 0.05 if args.quick else 0.3
     check_every_program_has_a_table()
     progs = [p for p in programs() if not args.only or p in args.only]
     if not args.no_build and not args.reuse:
