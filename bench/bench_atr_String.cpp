@@ -10,6 +10,7 @@
 
 #include "atr/atr_String.h"
 #include "omi/omi_CoreUtils.h"
+#include "zul_BenchMain.h"
 
 namespace {
 
@@ -178,6 +179,7 @@ private:
 
 int main(int argc, char** argv)
 {
+    zul_BenchSteadyHeap();
     int count = 0;
     UTI_CoreUtils_initialize(count);
     benchmark::Initialize(&argc, argv);

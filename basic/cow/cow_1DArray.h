@@ -71,21 +71,65 @@ public:
     const T& operator[](int i) const { return Element(i + m_offset); }
     const T& ConstGet(int i) const { return Element(i + m_offset); }
 
+    // The elements from logical position i to the end of the block that holds it: a pointer to
+    // element i, with n set to how many follow it in memory (i itself included). A block not
+    // made yet is read one default element at a time. No range check.
+    const T* ConstRun(int i, int& n) const
+    {
+        const int32_t full = i + m_offset;
+        const int32_t b = full >> m_shift;
+        const Block* block = m_table[b];
+        if (!block) {
+            n = 1;
+            return &DefaultElement();
+        }
+        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
+        n = (int32_t(1) << m_shift) - at;
+        return block->elements + at;
+    }
+
     // Write access: writing at or beyond the logical size grows the array to i + 1; otherwise
     // the array and the block concerned are made private first.
     T& Get(int i)
     {
-        if (i >= Size()) {
-            // Writing just past the end of a private array whose table has room is what Grow
-            // would do in that case, without its general steps (the common append).
-            if (i == Size() && m_shift != 0 && *m_counter == 1 && BlocksFor(m_fullSize + 1, m_shift) <= m_capacity)
-                ++m_fullSize;
-            else
-                Grow(i + 1);
-        } else {
+        if (i < Size()) {
             MakePrivate();
+            return PrivateElement(i + m_offset);
         }
-        return PrivateElement(i + m_offset);
+        if (T* slot = NextSlot(i))
+            return *slot;
+        const int32_t oldShift = m_shift;
+        const int32_t oldFullSize = m_fullSize;
+        Grow(i + 1);
+        try {
+            return PrivateElement(i + m_offset);
+        } catch (...) {
+            // The block could not be made: back to the old size (a table made just now goes
+            // again; a larger one stays, which changes no element).
+            if (oldShift == 0)
+                Grow(0);
+            else
+                m_fullSize = oldFullSize;
+            throw;
+        }
+    }
+
+    // The common append, for writers that append one element at a time: when i is the logical
+    // size, the array is private and the element's block is made and private (not the first
+    // element of a block), the array grows by one and the element is returned, with no other step
+    // of Grow. Null otherwise: the caller then uses Get(i).
+    T* NextSlot(int i)
+    {
+        const int32_t full = i + m_offset;
+        const int32_t at = full & ((int32_t(1) << m_shift) - 1);
+        // at == 0: the first element of a block (or an array without blocks) takes the general path.
+        if (full != m_fullSize || at == 0)
+            return nullptr;
+        Block* block = m_table[full >> m_shift];
+        if (!block || block->count != 1 || *m_counter != 1)
+            return nullptr;
+        m_fullSize = full + 1;
+        return block->elements + at;
     }
 
     // Sets the logical size to n (0 empties the array and releases its blocks).
@@ -271,10 +315,9 @@ private:
     // element, so reads never allocate and never change the table.
     const T& Element(int32_t full) const
     {
-        const int32_t b = full >> m_shift;
-        const Block* block = m_table[b];
+        const Block* block = m_table[full >> m_shift];
         if (__builtin_expect(block != nullptr, 1))
-            return block->elements[full - (b << m_shift)];
+            return block->elements[full & ((int32_t(1) << m_shift) - 1)];
         return DefaultElement();
     }
 

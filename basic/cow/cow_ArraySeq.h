@@ -29,6 +29,23 @@ public:
 
     const cow_1DArray<T>& Storage() const { return m_storage; }
 
+    // Reading block by block: a pointer to element i and, in n, how many elements from i on lie
+    // together in memory (to the end of i's block, at most up to Count()); n is 0 when i is not
+    // below Count(). A loop over runs costs what a loop over a plain array costs:
+    //   for (int i = 0, n = 0; i < list.Count(); i += n)
+    //       for (const T *p = list.ConstRun(i, n), *e = p + n; p != e; ++p) ...
+    const T* ConstRun(int i, int& n) const
+    {
+        if (i < 0 || i >= m_count) {
+            n = 0;
+            return nullptr;
+        }
+        const T* run = m_storage.ConstRun(i, n);
+        if (n > m_count - i)
+            n = m_count - i;
+        return run;
+    }
+
     // A plain copy of the elements in use, from mem_Malloc; the caller frees it with mem_Free.
     T* GetCArray(int& n) const
     {
@@ -79,8 +96,10 @@ protected:
 
     void AppendOne(const T& value)
     {
-        T& slot = m_storage.Get(m_count);  // may throw: count unchanged
-        slot = value;
+        T* slot = m_storage.NextSlot(m_count);
+        if (!slot)
+            slot = &m_storage.Get(m_count);  // may throw: count unchanged
+        *slot = value;
         ++m_count;
     }
 
@@ -161,27 +180,43 @@ protected:
 };
 
 // Walks positions 0 .. count-1 of a sequence as it was when the iterator was made (it holds a
-// copy, which shares the storage, so later writes to the source do not show).
+// copy, which shares the storage, so later writes to the source do not show). It keeps the run of
+// the current block, so that a step is an increment.
 template <class Seq, class T>
 class cow_ArraySeqIter {
 public:
-    explicit cow_ArraySeqIter(const Seq& seq) : m_seq(seq), m_pos(0) {}
+    explicit cow_ArraySeqIter(const Seq& seq) : m_seq(seq), m_pos(0) { Load(); }
 
     bool NotDone() const { return m_pos < m_seq.Count(); }
-    void Next() { ++m_pos; }
-    cow_ArraySeqIter& operator++()
+    void Next()
     {
         ++m_pos;
+        if (--m_runLeft > 0)
+            ++m_run;
+        else
+            Load();
+    }
+    cow_ArraySeqIter& operator++()
+    {
+        Next();
         return *this;
     }
-    const T& Current() const { return m_seq[m_pos]; }
-    const T& operator*() const { return m_seq[m_pos]; }
+    const T& Current() const { return *m_run; }
+    const T& operator*() const { return *m_run; }
     int Position() const { return m_pos; }
-    void Reset() { m_pos = 0; }
+    void Reset()
+    {
+        m_pos = 0;
+        Load();
+    }
 
 private:
+    void Load() { m_run = m_seq.ConstRun(m_pos, m_runLeft); }
+
     Seq m_seq;
     int m_pos;
+    int m_runLeft;
+    const T* m_run;
 };
 
 #endif

@@ -132,20 +132,47 @@ public:
                 link = moved;
     }
 
+    // Inserts into the subtree of this node: each node on the way down is made private; on the
+    // way back up, each node balances its child on the path and recomputes its height. The walk
+    // keeps its path in an array (no call per level); a path longer than that goes on
+    // recursively.
     bool InsertUnlessMember(const K& k, const V& v)
     {
-        const int c = cow_BtreeCompare(k, key);
-        if (c == 0)
-            return false;
-        Handle*& link = c < 0 ? left : right;
-        if (link) {
-            if (!link->Get().InsertUnlessMember(k, v))
+        enum { kPath = 64 };
+        cow_BtreeNode* nodes[kPath];
+        Handle** links[kPath];  // links[d]: the link of nodes[d] taken on the way down
+        cow_BtreeNode* node = this;
+        int depth = 0;
+        for (;;) {
+            const int c = cow_BtreeCompare(k, node->key);
+            if (c == 0)
                 return false;
-            BalanceLink(link);
-        } else {
-            link = NewLink(k, v);
+            Handle*& link = c < 0 ? node->left : node->right;
+            // On the way back up this node's height is recomputed from both children: fetch the
+            // one off the path now, while the search goes on below.
+            if (Handle* other = c < 0 ? node->right : node->left)
+                __builtin_prefetch(other);
+            nodes[depth] = node;
+            links[depth] = &link;
+            ++depth;
+            if (!link) {
+                link = NewLink(k, v);
+                break;
+            }
+            if (depth == kPath) {
+                if (!link->Get().InsertUnlessMember(k, v))
+                    return false;
+                BalanceLink(link);
+                break;
+            }
+            node = &link->Get();
         }
-        UpdateHeight();
+        nodes[--depth]->UpdateHeight();
+        while (depth > 0) {
+            --depth;
+            BalanceLink(*links[depth]);
+            nodes[depth]->UpdateHeight();
+        }
         return true;
     }
 
@@ -292,11 +319,12 @@ private:
     int32_t m_count;
 };
 
-// A chain element of the iterator's stack.
+// A chain element of the iterator's stack: a node handle and the link below it.
 template <class K, class V>
 class cow_BtreeNodeLink {
 public:
     typedef typename cow_BtreeNode<K, V>::Handle Handle;
+    cow_BtreeNodeLink() : m_node(nullptr), m_next(nullptr) {}
     cow_BtreeNodeLink(const Handle* node, cow_BtreeNodeLink* next) : m_node(node), m_next(next) {}
     const Handle* Node() const { return m_node; }
     cow_BtreeNodeLink* Next() const { return m_next; }
@@ -308,49 +336,74 @@ private:
 
 // In key order over the tree as it was when the iterator was made: First then Next ascends,
 // Last then Previous descends.
+//
+// The stack of links is an array inside the iterator, so stepping allocates nothing; a path
+// deeper than that array moves the stack to a heap buffer, which the iterator keeps (and reuses
+// for later First/Last calls) until it is destroyed.
 template <class K, class V>
 class cow_BtreeIterator {
 public:
     typedef cow_BtreeNode<K, V> NodeType;
     typedef typename NodeType::Handle Handle;
     typedef cow_BtreeNodeLink<K, V> Link;
+    enum { InlineDepth = 32 };
 
-    explicit cow_BtreeIterator(const cow_Btree<K, V>& tree) : m_tree(tree), m_top(nullptr) {}
-    ~cow_BtreeIterator() { Clear(); }
+    explicit cow_BtreeIterator(const cow_Btree<K, V>& tree)
+        : m_tree(tree), m_stack(m_inline), m_capacity(InlineDepth), m_depth(0)
+    {
+    }
+    ~cow_BtreeIterator()
+    {
+        if (m_stack != m_inline)
+            mem_Free(m_stack);
+    }
     cow_BtreeIterator(const cow_BtreeIterator&) = delete;
     cow_BtreeIterator& operator=(const cow_BtreeIterator&) = delete;
 
     void First()
     {
-        Clear();
+        m_depth = 0;
         PushEdge(m_tree.Root(), true);
     }
     void Last()
     {
-        Clear();
+        m_depth = 0;
         PushEdge(m_tree.Root(), false);
     }
     void Next() { Step(true); }
     void Previous() { Step(false); }
 
-    bool NotDone() const { return m_top != nullptr; }
-    const K& Key() const { return m_top->Node()->ConstGet().key; }
-    const V& Value() const { return m_top->Node()->ConstGet().value; }
+    bool NotDone() const { return m_depth > 0; }
+    const K& Key() const { return Top().ConstGet().key; }
+    const V& Value() const { return Top().ConstGet().value; }
 
-    void Push(const Handle* node) { m_top = cow_New<Link>(node, m_top); }
+    void Push(const Handle* node)
+    {
+        if (m_depth == m_capacity)
+            GrowStack();
+        m_stack[m_depth] = Link(node, m_depth > 0 ? &m_stack[m_depth - 1] : nullptr);
+        ++m_depth;
+    }
+
+    // Links on the stack (diagnostics and tests).
+    int Depth() const { return m_depth; }
 
 private:
-    void Pop()
+    const Handle& Top() const { return *m_stack[m_depth - 1].Node(); }
+
+    // Doubles the stack in a heap buffer; the links are re-chained to their new places.
+    void GrowStack()
     {
-        Link* top = m_top;
-        m_top = top->Next();
-        cow_Destroy(top);
+        const int capacity = m_capacity * 2;
+        Link* grown = static_cast<Link*>(mem_OperatorNewThrow(sizeof(Link) * static_cast<size_t>(capacity)));
+        for (int i = 0; i < m_depth; ++i)
+            grown[i] = Link(m_stack[i].Node(), i > 0 ? &grown[i - 1] : nullptr);
+        if (m_stack != m_inline)
+            mem_Free(m_stack);
+        m_stack = grown;
+        m_capacity = capacity;
     }
-    void Clear()
-    {
-        while (m_top)
-            Pop();
-    }
+
     // Pushes the path to the smallest (leftmost) or largest key of a subtree.
     void PushEdge(const Handle* node, bool leftmost)
     {
@@ -361,15 +414,18 @@ private:
     }
     void Step(bool forward)
     {
-        if (!m_top)
+        if (m_depth == 0)
             return;
-        const NodeType& node = m_top->Node()->ConstGet();
-        Pop();
+        const NodeType& node = Top().ConstGet();
+        --m_depth;
         PushEdge(forward ? node.right : node.left, forward);
     }
 
     cow_Btree<K, V> m_tree;  // keeps the nodes alive
-    Link* m_top;
+    Link* m_stack;
+    int m_capacity;
+    int m_depth;
+    Link m_inline[InlineDepth];
 };
 
 template <class K, class V>

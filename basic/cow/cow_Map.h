@@ -11,7 +11,9 @@
 // copy. A failing write leaves every other sharer of the tree intact.
 //
 // Contracts: Get and ConstGet need a present key (test IsMember first); on a missing key their
-// result is not to be used. One thread at a time.
+// result is not to be used. What they answer then is a default value that belongs to the calling
+// thread, made afresh for every miss (it outlives the call, to the thread's end): threads that
+// each miss on maps of their own never touch the same object. One thread at a time per map.
 //
 // Iterators take a snapshot (they hold a copy of the map, so the nodes stay alive):
 // cow_ConstMapIterator walks in tree order (pre-order, left before right);
@@ -100,6 +102,7 @@ public:
         Link* link = &m_root;
         for (int d = 0; link->HasValue(); ++d) {
             Node& node = link->Get();
+            FetchChildren(node);
             if (node.key == key) {
                 node.value = value;
                 return true;
@@ -172,11 +175,20 @@ private:
         --m_count;
     }
 
+    // The next node on a search path is one of these two: its fetch starts while this node's
+    // key is compared (a string key's text is a block of its own).
+    static void FetchChildren(const Node& node)
+    {
+        __builtin_prefetch(node.left.GetPtr());
+        __builtin_prefetch(node.right.GetPtr());
+    }
+
     const Node* Find(const K& key) const
     {
         const Link* link = &m_root;
         for (int d = 0; link->HasValue(); ++d) {
             const Node& node = link->ConstGet();
+            FetchChildren(node);
             if (node.key == key)
                 return &node;
             link = cow_MapKeyBit(key, d) ? &node.right : &node.left;
@@ -185,17 +197,24 @@ private:
     }
 
     // What Get and ConstGet answer for a missing key (a caller error): a default value, so that
-    // the error reads garbage rather than memory outside the map.
+    // the error reads garbage rather than memory outside the map. It is the calling thread's own
+    // (see mem_ThreadObject), so the reset below never races with another thread.
     static V& MissingValue()
     {
-        static V value{};
+        V& value = *static_cast<V*>(mem_ThreadObject(&s_missingTag, &MakeMissing, &DestroyMissing));
         value = V();
         return value;
     }
+    static void* MakeMissing() { return cow_New<V>(); }
+    static void DestroyMissing(void* value) { cow_Destroy(static_cast<V*>(value)); }
+    static char s_missingTag;  // names this instance's fallback; never written
 
     Link m_root;
     int32_t m_count;
 };
+
+template <class K, class V>
+char cow_Map<K, V>::s_missingTag = 0;
 
 // Steps through a snapshot of the map's nodes in tree order (pre-order, left before right).
 template <class K, class V>

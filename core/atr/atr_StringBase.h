@@ -31,6 +31,7 @@
 #define ATR_STRINGBASE_H
 
 #include <cstdint>
+#include <cstring>
 
 #include "zul_CoreExport.h"
 
@@ -49,6 +50,8 @@ struct atr_StringRep {
 extern ZUL_CORE_API const char atr_EmptyText[1];
 
 class ZUL_CORE_API atr_StringBase {
+    friend bool operator==(const atr_StringBase& a, const atr_StringBase& b);
+
 public:
     // Constructor tags.
     enum Borrow { BORROW };
@@ -71,8 +74,20 @@ public:
     // True when both strings hold the same representation (or both none).
     bool SharesWith(const atr_StringBase& o) const { return m_rep == o.m_rep; }
 
-    // Byte-wise comparison over unsigned chars up to the terminator: <0, 0, >0.
-    int Compare(const atr_StringBase& o) const;
+    // Byte-wise comparison over unsigned chars up to the terminator: <0, 0, >0. Inline: a
+    // comparison is mostly a short memcmp.
+    int Compare(const atr_StringBase& o) const
+    {
+        if (m_rep == o.m_rep)
+            return 0;
+        const int la = Length();
+        const int lb = o.Length();
+        const unsigned shorter = static_cast<unsigned>(la < lb ? la : lb);
+        const int r = std::memcmp(c_str(), o.c_str(), shorter);
+        if (r != 0)
+            return r;
+        return la < lb ? -1 : (la > lb ? 1 : 0);
+    }
     int Compare(const char* s) const;  // null reads as ""
 
 protected:
@@ -139,16 +154,40 @@ protected:
 
     // Appends `repeat` copies of the n characters at s + start (n < 0: up to the terminator of
     // s + start). Returns the string. s may point into this string.
-    atr_StringBase& append(const char* s, int n = -1, int start = 0, int repeat = 1);
+    atr_StringBase& append(const char* s, int n = -1, int start = 0, int repeat = 1)
+    {
+        // The common case inline: a few counted characters into a private string with room for
+        // them (borrowed representations have no room). The copy stops at a zero, as the general
+        // path does.
+        atr_StringRep* r = m_rep;
+        if (n >= 0 && n <= 16 && start == 0 && repeat == 1 && s && r && r->count == 1 && n <= r->capacity - r->length) {
+            int k = 0;
+            while (k < n && s[k] != '\0')
+                ++k;
+            // A source inside this string ends at its terminator, where the copy starts.
+            char* t = r->data + r->length;
+            for (int i = 0; i < k; ++i)
+                t[i] = s[i];
+            t[k] = '\0';
+            r->length += k;
+            return *this;
+        }
+        return AppendText(s, n, start, repeat);
+    }
     atr_StringBase& append(const atr_StringBase& s) { return append(s.c_str(), s.Length()); }
     atr_StringBase& append(char c, int repeat = 1)
     {
         // The common case inline: one character into a private string with room for it.
-        if (repeat == 1 && c != '\0' && m_rep && m_rep->count == 1 && m_rep->kind != REP_BORROWED &&
-            m_rep->length < m_rep->capacity) {
-            m_text[m_rep->length] = c;
-            m_text[++m_rep->length] = '\0';
-            return *this;
+        atr_StringRep* r = m_rep;
+        if (repeat == 1 && c != '\0' && r && r->count == 1) {
+            const int32_t length = r->length;
+            if (length < r->capacity) {
+                char* t = r->data;
+                t[length] = c;
+                t[length + 1] = '\0';
+                r->length = length + 1;
+                return *this;
+            }
         }
         return AppendChars(c, repeat);
     }
@@ -231,13 +270,17 @@ private:
     void Splice(int pos, int cut, const char* s, int n, int repeat);
     void InitCopy(const char* s, int n);
     atr_StringBase& AppendChars(char c, int repeat);
+    atr_StringBase& AppendText(const char* s, int n, int start, int repeat);
     int SubstituteText(const char* from, int flen, const char* to, int tlen, int maxCount);
 };
 
 // Comparisons, byte-wise over unsigned chars; a null pointer reads as "".
 inline bool operator==(const atr_StringBase& a, const atr_StringBase& b)
 {
-    return a.Length() == b.Length() && a.Compare(b) == 0;
+    if (a.m_rep == b.m_rep)
+        return true;  // one representation (or both empty)
+    const int length = a.Length();
+    return length == b.Length() && std::memcmp(a.c_str(), b.c_str(), static_cast<unsigned>(length)) == 0;
 }
 inline bool operator!=(const atr_StringBase& a, const atr_StringBase& b) { return !(a == b); }
 inline bool operator<(const atr_StringBase& a, const atr_StringBase& b) { return a.Compare(b) < 0; }

@@ -1,9 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <atomic>
+#include <cstdint>
 #include <cstring>
 #include <new>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "mem/mem_Memory.h"
@@ -60,6 +62,51 @@ TEST_F(MemTest, BlocksFromEveryEntryPointAreUsableAndFreedByMemFree)
     mem_Free(c);
     mem_Free(d);
     mem_Free(nullptr);
+}
+
+// Blocks of every small size (the pool's) and a few larger ones: each offers all of
+// mem_GoodSize(n) bytes, is aligned as the global operator new would align an object of its size,
+// and overlaps no other block.
+TEST_F(MemTest, BlocksOfEverySizeAreAlignedDisjointAndOfferTheirGoodSize)
+{
+    std::vector<std::pair<unsigned char*, size_t>> blocks;
+    for (size_t n = 0; n <= 300; ++n) {
+        const size_t good = mem_GoodSize(n);
+        ASSERT_GE(good, n);
+        auto* p = static_cast<unsigned char*>(n % 2 ? mem_OperatorNewTinyThrow(good) : mem_Malloc(good));
+        ASSERT_NE(p, nullptr);
+        const uintptr_t align = (n >= 16 && n % 16 == 0) ? 16 : (n > 4 ? 8 : 4);
+        EXPECT_EQ(reinterpret_cast<uintptr_t>(p) % align, 0u) << "size " << n;
+        std::memset(p, static_cast<int>(n & 0xFF), good);
+        blocks.emplace_back(p, n);
+    }
+    for (const auto& b : blocks) {
+        const size_t good = mem_GoodSize(b.second);
+        for (size_t i = 0; i < good; ++i)
+            ASSERT_EQ(b.first[i], static_cast<unsigned char>(b.second & 0xFF)) << "block of " << b.second;
+        mem_Free(b.first);
+    }
+}
+
+TEST_F(MemTest, ReallocKeepsContentsAcrossPoolAndRuntimeBlocks)
+{
+    char* p = static_cast<char*>(mem_Realloc(nullptr, 24));
+    ASSERT_NE(p, nullptr);
+    std::memcpy(p, "small block, pool sized", 24);
+    size_t size = 24;
+    for (int step = 0; step < 200; ++step) {  // small steps, out of the pool and on
+        size += 40;
+        p = static_cast<char*>(mem_Realloc(p, size));
+        ASSERT_NE(p, nullptr);
+        p[size - 1] = static_cast<char>(step);
+    }
+    EXPECT_STREQ(p, "small block, pool sized");
+    for (int step = 0; step < 200; ++step)
+        ASSERT_EQ(p[24 + 40 * (step + 1) - 1], static_cast<char>(step));
+    p = static_cast<char*>(mem_Realloc(p, 10));  // shrinking keeps the front
+    ASSERT_NE(p, nullptr);
+    EXPECT_EQ(std::memcmp(p, "small bloc", 10), 0);
+    EXPECT_EQ(mem_Realloc(p, 0), nullptr);  // frees, as the runtime does
 }
 
 TEST_F(MemTest, HookFailsExactlyTheNthAllocation)

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cow/cow_1DArrayList.h"
+#include "cow/cow_List.h"
 #include "mem/mem_Memory.h"
 #include "zul_TestSupport.h"
 
@@ -72,6 +73,41 @@ TEST(Cow1DArray, WriteCopiesOnlyTheTouchedBlock)
     EXPECT_EQ(&a[0], &b[0]) << "untouched blocks stay shared";
     EXPECT_EQ(&a[63], &b[63]);
     EXPECT_NE(&a[16], &b[16]);
+}
+
+// Runs are the elements of one block from a position on, capped at the count: a list whose
+// storage starts inside a block (prepends) and has a block not made yet still reads in order.
+TEST(Cow1DArrayList, RunsCoverTheElementsInOrderBlockByBlock)
+{
+    cow_List<int> l;
+    for (int i = 1; i <= 20; ++i)
+        l.Append(i);
+    for (int i = 0; i >= -4; --i)
+        l.Prepend(i);  // the storage now starts inside a block
+    std::vector<int> seen;
+    for (int i = 0, n = 0; i < l.Count(); i += n) {
+        const int* run = l.ConstRun(i, n);
+        ASSERT_GT(n, 0);
+        ASSERT_LE(n, 16);
+        for (int k = 0; k < n; ++k)
+            ASSERT_EQ(&run[k], &l[i + k]) << "a run stays inside its block";
+        seen.insert(seen.end(), run, run + n);
+    }
+    std::vector<int> expected;
+    for (int i = -4; i <= 20; ++i)
+        expected.push_back(i);
+    EXPECT_EQ(seen, expected);
+    int n = -1;
+    EXPECT_EQ(l.ConstRun(l.Count(), n), nullptr);
+    EXPECT_EQ(n, 0);
+
+    IntList grown;
+    grown.Grow(40);  // storage of 40 elements, none made: read as defaults
+    cow_1DArrayListIter<int> it(grown);  // iterates the count (0), not the storage
+    EXPECT_FALSE(it.NotDone());
+    const int* unmade = grown.Storage().ConstRun(20, n);
+    EXPECT_EQ(*unmade, 0);
+    EXPECT_EQ(n, 1);
 }
 
 TEST(Cow1DArrayList, AppendInsertRemoveKeepOrder)
@@ -201,6 +237,16 @@ TEST(Cow1DArrayList, FailedWritesOnASharedListChangeNothing)
         {"Get", [](IntList& l) { l.Get(33) = 99; }},
     };
     zul_test::ExpectFailedWritesChangeNothing(original, Items, writes);
+
+    // A private list whose last block is full: the append that needs a new block fails whole.
+    IntList own = Make({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12, 13, 14, 15, 16});
+    mem_TestFailAllocation(1);
+    EXPECT_ANY_THROW(own.Append(17));
+    mem_TestFailAllocation(0);
+    EXPECT_EQ(own.Count(), 16);
+    EXPECT_EQ(own.Storage().Size(), 16) << "the storage did not grow either";
+    own.Append(17);
+    EXPECT_EQ(own[16], 17);
 }
 
 TEST(Cow1DArrayList, StringElementsResetToEmptyOnRemove)

@@ -1,7 +1,9 @@
 // Height-balanced trees: the rotation rule, successor removal, ordered iteration, sharing.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <map>
+#include <memory>
 #include <random>
 #include <vector>
 
@@ -80,6 +82,101 @@ TEST(CowBtree, ThreeOneTwoDoesNotRotate)
     EXPECT_EQ(KeyOf(t.Root()->ConstGet().left), 1);
 }
 
+// The tree's rules written out plainly (recursive insertion, single rotations, a missing child
+// counting as height 0 in the balance): random insertions give the same shape, node for node.
+struct Model {
+    int key;
+    std::unique_ptr<Model> left, right;
+    int height = 0;
+    explicit Model(int k) : key(k) {}
+};
+
+int ModelHeight(const std::unique_ptr<Model>& m) { return m ? m->height : 0; }
+
+void ModelUpdate(Model& m)
+{
+    const int l = m.left ? m.left->height + 1 : 0;
+    const int r = m.right ? m.right->height + 1 : 0;
+    m.height = std::max(l, r);
+}
+
+void ModelBalance(std::unique_ptr<Model>& link)
+{
+    const int d = ModelHeight(link->right) - ModelHeight(link->left);
+    if (d >= 2 || d <= -2) {
+        std::unique_ptr<Model>& side = d >= 2 ? link->right : link->left;
+        std::unique_ptr<Model> child = std::move(side);
+        std::unique_ptr<Model>& inner = d >= 2 ? child->left : child->right;
+        side = std::move(inner);
+        ModelUpdate(*link);
+        inner = std::move(link);
+        ModelUpdate(*child);
+        link = std::move(child);
+    }
+}
+
+bool ModelInsert(std::unique_ptr<Model>& link, int key)
+{
+    if (!link) {
+        link = std::make_unique<Model>(key);
+        return true;
+    }
+    if (key == link->key)
+        return false;
+    std::unique_ptr<Model>& side = key < link->key ? link->left : link->right;
+    const bool existed = side != nullptr;
+    if (!ModelInsert(side, key))
+        return false;
+    if (existed)
+        ModelBalance(side);
+    ModelUpdate(*link);
+    return true;
+}
+
+void Shape(const Tree::Handle* h, std::vector<int>& out)
+{
+    if (!h) {
+        out.push_back(-1);
+        return;
+    }
+    out.push_back(h->ConstGet().key);
+    out.push_back(h->ConstGet().height);
+    Shape(h->ConstGet().left, out);
+    Shape(h->ConstGet().right, out);
+}
+
+void Shape(const std::unique_ptr<Model>& m, std::vector<int>& out)
+{
+    if (!m) {
+        out.push_back(-1);
+        return;
+    }
+    out.push_back(m->key);
+    out.push_back(m->height);
+    Shape(m->left, out);
+    Shape(m->right, out);
+}
+
+TEST(CowBtree, InsertionShapesFollowTheRules)
+{
+    std::mt19937 rng(3);
+    for (int round = 0; round < 20; ++round) {
+        Tree t;
+        std::unique_ptr<Model> model;
+        for (int i = 0; i < 300; ++i) {
+            const int key = round % 2 ? static_cast<int>(rng() % 1000) : (i % 2 ? 1000 - i : i);  // random, zig-zag
+            const bool inserted = ModelInsert(model, key);
+            if (inserted)
+                ModelBalance(model);
+            EXPECT_EQ(t.InsertUnlessMember(key, i), inserted);
+        }
+        std::vector<int> got, expected;
+        Shape(t.Root(), got);
+        Shape(model, expected);
+        ASSERT_EQ(got, expected) << "round " << round;
+    }
+}
+
 TEST(CowBtree, InsertingAPresentKeyChangesNothing)
 {
     Tree t;
@@ -117,6 +214,17 @@ TEST(CowBtree, IterationBothWays)
         down.push_back(it.Key());
     EXPECT_EQ(up, (std::vector<int>{1, 3, 4, 6, 7, 8, 10, 13, 14}));
     EXPECT_EQ(down, (std::vector<int>{14, 13, 10, 8, 7, 6, 4, 3, 1}));
+    // A stack deeper than the iterator's own array moves to the heap with every link kept.
+    it.First();
+    for (int i = 0; i < 40; ++i)
+        it.Push(t.Root());
+    EXPECT_EQ(it.Depth(), 43);
+    std::vector<int> deep;
+    for (; it.NotDone(); it.Next())
+        deep.push_back(it.Key());
+    ASSERT_EQ(deep.size(), 40u * 4 + 9);
+    EXPECT_EQ(std::vector<int>(deep.begin(), deep.begin() + 4), (std::vector<int>{8, 10, 13, 14}));
+    EXPECT_EQ(std::vector<int>(deep.end() - 9, deep.end()), up);
     const cow_List<int> values = cow_BtreeUtils<int, int>::cow_Values(t);
     EXPECT_EQ(values[0], -1);
     const cow_List<int> keys = cow_BtreeUtils<int, int>::cow_Keys(t);

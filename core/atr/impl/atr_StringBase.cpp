@@ -44,15 +44,17 @@ int TextLength(const char* s, int n)
 
 int Clamp(int v, int lo, int hi) { return v < lo ? lo : (v > hi ? hi : v); }
 
-// A fresh owned representation with room for cap characters; count 1, length 0.
+// A fresh owned representation with room for at least cap characters (all the room its block
+// gives); count 1, length 0.
 atr_StringRep* NewOwned(int cap)
 {
-    const size_t bytes = sizeof(atr_StringRep) + static_cast<size_t>(cap) + 1;
+    const size_t bytes = mem_GoodSize(sizeof(atr_StringRep) + static_cast<size_t>(cap) + 1);
     void* block = bytes <= kTinyBlock ? mem_OperatorNewTinyThrow(bytes) : mem_OperatorNewThrow(bytes);
     atr_StringRep* rep = static_cast<atr_StringRep*>(block);
+    const size_t room = bytes - sizeof(atr_StringRep) - 1;
     rep->count = 1;
     rep->length = 0;
-    rep->capacity = cap;
+    rep->capacity = room > static_cast<size_t>(kMaxLength) ? static_cast<int>(kMaxLength) : static_cast<int>(room);
     rep->kind = atr_StringBase::REP_OWNED;
     rep->data = reinterpret_cast<char*>(rep + 1);
     rep->data[0] = '\0';
@@ -78,12 +80,13 @@ void FreeRep(atr_StringRep* rep)
 }
 
 // Capacity for a text that must grow to `need` characters from `current`: geometric, so that
-// a loop of appends costs amortised constant time per character.
+// a loop of appends costs amortised constant time per character; a string that grows starts
+// with a 64-byte block (39 characters).
 int GrownCapacity(int need, int current)
 {
     long long cap = 2LL * current;
-    if (cap < 15)
-        cap = 15;
+    if (cap < 39)
+        cap = 39;
     if (cap < need)
         cap = need;
     if (cap > kMaxLength)
@@ -200,18 +203,6 @@ void atr_StringBase::Delete()
 int atr_StringBase::Capacity() const
 {
     return (m_rep && m_rep->kind != REP_BORROWED) ? m_rep->capacity : 0;
-}
-
-int atr_StringBase::Compare(const atr_StringBase& o) const
-{
-    if (m_rep == o.m_rep)
-        return 0;
-    const int la = Length();
-    const int lb = o.Length();
-    const int r = std::memcmp(c_str(), o.c_str(), static_cast<size_t>(la < lb ? la : lb));
-    if (r != 0)
-        return r;
-    return la < lb ? -1 : (la > lb ? 1 : 0);
 }
 
 int atr_StringBase::Compare(const char* s) const
@@ -386,7 +377,7 @@ char& atr_StringBase::operator[](int i)
     return m_text[Clamp(i, 0, m_rep->length)];
 }
 
-atr_StringBase& atr_StringBase::append(const char* s, int n, int start, int repeat)
+atr_StringBase& atr_StringBase::AppendText(const char* s, int n, int start, int repeat)
 {
     if (!s)
         return *this;
