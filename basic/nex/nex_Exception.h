@@ -188,15 +188,17 @@ protected:
     omi_SystemErrorCode m_Value;
 };
 
-// Throws nex_AssertException with the condition's text from this source file and line.
-#define NEX_ASSERT_AT(cond, source)                          \
-    do {                                                     \
-        if (!(cond)) {                                       \
-            nex_AssertException nex_assert_failure_(#cond);  \
-            nex_assert_failure_.Throw((source), __LINE__);   \
-        }                                                    \
+// Throws nex_AssertException with the condition's text from this source file and line. The text
+// is taken where the condition is written, before any macro in it is expanded.
+#define NEX_ASSERT_TEXT_AT(cond, text, source)              \
+    do {                                                    \
+        if (!(cond)) {                                      \
+            nex_AssertException nex_assert_failure_(text);  \
+            nex_assert_failure_.Throw((source), __LINE__);  \
+        }                                                   \
     } while (0)
-#define NEX_ASSERT(cond) NEX_ASSERT_AT(cond, ZUL_SOURCE_NAME)
+#define NEX_ASSERT_AT(cond, source) NEX_ASSERT_TEXT_AT(cond, #cond, source)
+#define NEX_ASSERT(cond) NEX_ASSERT_TEXT_AT(cond, #cond, ZUL_SOURCE_NAME)
 
 // Entry points that a client can reference; they do nothing.
 ZUL_BASIC_API void nex_formalize();
