@@ -208,10 +208,8 @@ public:
     const V& ConstGet(const K& key) const
     {
         const V* value = ConstGetPtr(key);
-        if (!value) {
-            nex_TextException failure("cls_PTrie: no entry for the key");
-            failure.Throw("cls/impl/cls_PTrie", __LINE__);
-        }
+        if (!value)
+            nex_Raise<nex_TextException>("cls/impl/cls_PTrie", __LINE__, "cls_PTrie: no entry for the key");
         return *value;
     }
 

@@ -21,11 +21,14 @@
 // identity kept by the persistence layer and is not among the written fields.
 //
 // A module deriving its own exception class writes NEX_EXCEPTION_CLASS(Class, id) in its body
-// to get TypeId, DynTypeId, Propagate and Copy.
+// to get TypeId, DynTypeId, Propagate and Copy; a class that is its base's message and nothing
+// more is declared whole by NEX_TEXT_EXCEPTION(Class, Base, id). A throw site writes
+// NEX_RAISE(Class, constructor arguments...), which records its source name and line.
 #ifndef NEX_EXCEPTION_H
 #define NEX_EXCEPTION_H
 
 #include <cstdint>
+#include <utility>
 
 #include "atr/atr_String.h"
 #include "cls/cls_Uid.h"
@@ -39,6 +42,13 @@ public:                                                                        \
     unsigned DynTypeId() const override { return (id); }                       \
     [[noreturn]] void Propagate() const override { throw Class(*this); }       \
     nex_Exception* Copy() const override { return new Class(*this); }
+
+#define NEX_TEXT_EXCEPTION(Class, Base, id)                    \
+    class ZUL_BASIC_API Class : public Base {                  \
+        NEX_EXCEPTION_CLASS(Class, id)                         \
+    public:                                                    \
+        explicit Class(const atr_String& text) : Base(text) {} \
+    }
 
 class cls_ReadVisitor;
 class cls_WriteVisitor;
@@ -188,14 +198,21 @@ protected:
     omi_SystemErrorCode m_Value;
 };
 
+// Builds an E from the arguments and throws it from the given source and line.
+template <class E, class... A>
+[[noreturn]] void nex_Raise(const char* source, int line, A&&... arguments)
+{
+    E failure(std::forward<A>(arguments)...);
+    failure.Throw(source, line);
+}
+#define NEX_RAISE(E, ...) nex_Raise<E>(ZUL_SOURCE_NAME, __LINE__, __VA_ARGS__)
+
 // Throws nex_AssertException with the condition's text from this source file and line. The text
 // is taken where the condition is written, before any macro in it is expanded.
-#define NEX_ASSERT_TEXT_AT(cond, text, source)              \
-    do {                                                    \
-        if (!(cond)) {                                      \
-            nex_AssertException nex_assert_failure_(text);  \
-            nex_assert_failure_.Throw((source), __LINE__);  \
-        }                                                   \
+#define NEX_ASSERT_TEXT_AT(cond, text, source)                          \
+    do {                                                                \
+        if (!(cond))                                                    \
+            nex_Raise<nex_AssertException>((source), __LINE__, (text)); \
     } while (0)
 #define NEX_ASSERT_AT(cond, source) NEX_ASSERT_TEXT_AT(cond, #cond, source)
 #define NEX_ASSERT(cond) NEX_ASSERT_TEXT_AT(cond, #cond, ZUL_SOURCE_NAME)

@@ -24,19 +24,6 @@ int TraceLevel()
     return typ_DebugFlags::GetDebugFlags(kUtiFacility);
 }
 
-template <class E, class A>
-[[noreturn]] void Raise(const A& argument, int line)
-{
-    E failure(argument);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
-[[noreturn]] void RaiseIOError(const char* call, const uti_Spawn* spawn, int error, int line)
-{
-    uti_IOErrorException failure(call, spawn, error);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
 bool NeedsQuotes(const cow_String& s)
 {
     if (s.IsEmpty())
@@ -271,15 +258,15 @@ utl_FilePath uti_Spawn::FindCommand(cow_String command)
             const utl_FilePath candidate(name, cow_String(list, length));
             if (candidate.Exists() && !candidate.IsDir()) {
                 if (!P::IsStartable(candidate))
-                    Raise<uti_CmdFailedException>(
-                        atr_translate("Command is not executable: %1$s").Arg(candidate.AbsolutePathName()).Result(),
-                        __LINE__);
+                    NEX_RAISE(
+                        uti_CmdFailedException,
+                        atr_translate("Command is not executable: %1$s").Arg(candidate.AbsolutePathName()).Result());
                 return candidate;
             }
         }
         list = end ? end + 1 : nullptr;
     }
-    Raise<uti_CommandNotFoundException>(command, __LINE__);
+    NEX_RAISE(uti_CommandNotFoundException, command);
 }
 
 // --- starting ---
@@ -303,7 +290,7 @@ void uti_Spawn::spawn(const cow_String& command, const utl_FilePath& program, co
 {
     HandedOver handedOver(redirection);
     if (m_running)
-        Raise<uti_CmdFailedException>(atr_String("uti_Spawn: a child is still tracked"), __LINE__);
+        NEX_RAISE(uti_CmdFailedException, atr_String("uti_Spawn: a child is still tracked"));
 
     const cow_String commandLine = BuildCommandLine(command, arguments);
     const cow_String block = environment.IsEmpty() ? cow_String() : BuildEnvironmentBlock(environment);
@@ -339,7 +326,7 @@ void uti_Spawn::spawn(const cow_String& command, const utl_FilePath& program, co
     if (level >= 1)
         aio_cout().print(pnt_DebugEndMark()).flush();
     if (!started)
-        RaiseIOError(P::kStartCall, this, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kStartCall, this, error);
     Forget();
     m_handle = process;
     m_running = 1;
@@ -374,7 +361,7 @@ int uti_Spawn::Wait(int seconds)
     int status = 0, error = 0;
     switch (P::Wait(m_handle, seconds, status, error)) {
     case P::Failed:
-        RaiseIOError(P::kWaitCall, this, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, this, error);
     case P::Exited:
         Finish(status);
         break;
@@ -428,7 +415,7 @@ uti_Spawn* uti_Spawn::waitForAny(uti_Spawn** children, int count)
     int status = 0, error = 0;
     const int which = P::WaitAny(handles, count, status, error);
     if (which < 0)
-        RaiseIOError(P::kWaitCall, nullptr, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, nullptr, error);
     uti_Spawn* child = children[which];
     if (status != P::kStillActive)
         child->Finish(status);

@@ -182,8 +182,7 @@ void utl_MultisectionFile::Fail(const atr_String& message) const
 {
     atr_String text = atr_translate("\"%s\": ").Arg(m_path).Result();
     text += message;
-    nex_TextException failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    NEX_RAISE(nex_TextException, text);
 }
 
 void utl_MultisectionFile::FailCorrupt(const Section& s) const

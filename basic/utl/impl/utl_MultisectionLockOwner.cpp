@@ -127,8 +127,7 @@ utl_MultisectionUnlockEnm utl_MultisectionFile::RemoveLock(const cow_String& pat
     if (!utl_LockFile::Remove(lockPath) && utl_LockFile::Read(lockPath, text) != 0) {
         atr_String message = atr_translate("\"%s\": ").Arg(path).Result();
         message += "Cannot remove the lock file.";
-        nex_TextException failure(message);
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+        NEX_RAISE(nex_TextException, message);
     }
     return utl_MultisectionUnlockRemoved;
 }
