@@ -41,7 +41,7 @@ public:                                                                        \
     static unsigned TypeId() { return (id); }                                  \
     unsigned DynTypeId() const override { return (id); }                       \
     [[noreturn]] void Propagate() const override { throw Class(*this); }       \
-    nex_Exception* Copy() const override { return new Class(*this); }
+    [[nodiscard]] nex_Exception* Copy() const override { return new Class(*this); }
 
 #define NEX_TEXT_EXCEPTION(Class, Base, id)                    \
     class ZUL_BASIC_API Class : public Base {                  \
@@ -66,7 +66,7 @@ public:
     // Throws a copy of the object as its own dynamic type.
     [[noreturn]] virtual void Propagate() const = 0;
     // A new heap copy of the dynamic type.
-    virtual nex_Exception* Copy() const = 0;
+    [[nodiscard]] virtual nex_Exception* Copy() const = 0;
     virtual unsigned DynTypeId() const;
     // Writes the persistent fields (nex_Exception itself has none).
     virtual void DBWrite(const cls_WriteVisitor& writer) const;

@@ -15,11 +15,11 @@ constexpr std::size_t kMutexBytes = 48;
 void MutexInit(void* storage);
 void MutexDestroy(void* storage);
 void MutexLock(void* storage);
-bool MutexTryLock(void* storage);
+[[nodiscard]] bool MutexTryLock(void* storage);
 void MutexUnlock(void* storage);
 
 // A manual-reset event: once set it stays set, releasing every waiter, until reset.
-void* EventCreate();
+[[nodiscard]] void* EventCreate();
 void EventDestroy(void* event);
 void EventSet(void* event);
 void EventReset(void* event);
@@ -31,7 +31,7 @@ typedef void* Thread;
 typedef unsigned (*ThreadEntry)(void* argument);
 
 // Starts a thread with the default stack size; null when the system refuses.
-Thread ThreadStart(ThreadEntry entry, void* argument);
+[[nodiscard]] Thread ThreadStart(ThreadEntry entry, void* argument);
 // Waits up to `milliseconds` for the thread to end (negative: without limit); true when it has.
 bool ThreadWait(Thread thread, long milliseconds);
 // Releases the handle; a thread still running goes on, detached.
