@@ -178,16 +178,22 @@ void utl_MultisectionFile::ReleaseAll()
     }
 }
 
-void utl_MultisectionFile::Fail(const atr_String& message) const
+atr_String utl_MultisectionFile::Located(const atr_String& message) const
 {
     atr_String text = atr_translate("\"%s\": ").Arg(m_path).Result();
     text += message;
-    NEX_RAISE(nex_TextException, text);
+    return text;
+}
+
+void utl_MultisectionFile::Fail(const atr_String& message) const
+{
+    NEX_RAISE(nex_TextException, Located(message));
 }
 
 void utl_MultisectionFile::FailCorrupt(const Section& s) const
 {
-    Fail(atr_translate("Data corrupted in section \"%s\"").Arg(s.name).Result());
+    NEX_RAISE(utl_MultisectionCorruptException,
+              Located(atr_translate("Data corrupted in section \"%s\"").Arg(s.name).Result()));
 }
 
 void utl_MultisectionFile::FailKept(const nex_Exception& cause) const
@@ -211,50 +217,54 @@ bool utl_MultisectionFile::AcquireLock()
     return false;
 }
 
+template <class E>
 void utl_MultisectionFile::ReadExact(void* buffer, int count, const char* message)
 {
     if (count > 0 && m_file.Read(static_cast<char*>(buffer), count) != count)
-        Fail(message);
+        NEX_RAISE(E, Located(message));
 }
 
+template <class E>
 int32_t utl_MultisectionFile::ReadInt(const char* message)
 {
     int32_t v = 0;
-    ReadExact(&v, 4, message);
+    ReadExact<E>(&v, 4, message);
     return v;
 }
 
 void utl_MultisectionFile::ReadTable()
 {
+    typedef utl_MultisectionFormatException Format;
+    typedef utl_MultisectionCorruptException Corrupt;
     unsigned char magic[4] = {0, 0, 0, 0};
-    ReadExact(magic, 4, "Invalid file type");
+    ReadExact<Format>(magic, 4, "Invalid file type");
     if (std::memcmp(magic, kMagic, 4) != 0)
-        Fail("Invalid file type");
-    if (ReadInt("Unsupported file format") != kVersion)
-        Fail("Unsupported file format");
+        NEX_RAISE(Format, Located("Invalid file type"));
+    if (ReadInt<Format>("Unsupported file format") != kVersion)
+        NEX_RAISE(Format, Located("Unsupported file format"));
 
     // Every entry takes at least 12 bytes of the file, so the table costs what the file holds
     // whatever count it claims.
     const int64_t fileSize = m_file.FileSize().Value();
-    const int32_t count = ReadInt("Invalid string length");
+    const int32_t count = ReadInt<Corrupt>("Invalid string length");
     if (count < 0)
-        Fail("Invalid string length");
+        NEX_RAISE(Corrupt, Located("Invalid string length"));
     for (int32_t i = 0; i < count; ++i) {
-        const int32_t nameLength = ReadInt("Invalid string length");
+        const int32_t nameLength = ReadInt<Corrupt>("Invalid string length");
         // A length that runs past the end of the file is as invalid as a negative one.
         if (nameLength < 0 || nameLength > fileSize - m_file.Location().Value())
-            Fail("Invalid string length");
+            NEX_RAISE(Corrupt, Located("Invalid string length"));
         Section s;
         if (nameLength > 0) {
             cow_String name(nameLength, atr_StringBase::PRESIZE);
-            ReadExact(name.GetWriteBuffer(nameLength), nameLength, "Invalid string length");
+            ReadExact<Corrupt>(name.GetWriteBuffer(nameLength), nameLength, "Invalid string length");
             name.SetLength(nameLength);
             s.name = name;
         }
-        s.storedLength = ReadInt("Invalid string length");
+        s.storedLength = ReadInt<Corrupt>("Invalid string length");
         if (s.storedLength < 0)
-            Fail("Invalid string length");
-        s.crc = static_cast<uint32_t>(ReadInt("Invalid string length"));
+            NEX_RAISE(Corrupt, Located("Invalid string length"));
+        s.crc = static_cast<uint32_t>(ReadInt<Corrupt>("Invalid string length"));
         m_sections.Append(s);
     }
     // A section whose bytes would run past the end of the file (or past the 32-bit offsets) is
