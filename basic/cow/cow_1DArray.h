@@ -22,6 +22,7 @@
 #include "cow/cow_COW.h"
 #include "mem/mem_Memory.h"
 #include "mem/mem_OutOfMemory.h"
+#include "zul_Compiler.h"
 
 template <class T>
 struct cow_1DArrayBlock {
@@ -273,7 +274,7 @@ private:
     {
         const int32_t b = full >> m_shift;
         const Block* block = m_table[b];
-        if (__builtin_expect(block != nullptr, 1))
+        if (ZUL_LIKELY(block != nullptr))
             return block->elements[full - (b << m_shift)];
         return DefaultElement();
     }
