@@ -123,6 +123,7 @@ public:
     // is excluded: remove locks while no writer may be starting on the container.
     static utl_MultisectionUnlockEnm RemoveLock(const cow_String& path, bool force, utl_MultisectionLockOwner& owner);
 
+private:
     struct Section {
         cow_String name;
         int32_t offset = 0;
@@ -134,7 +135,6 @@ public:
         bool operator==(const Section& o) const { return name == o.name; }
     };
 
-private:
     utl_MultisectionFile(const cow_String& path, utl_FileAccess mode, bool readTable);
     // "\"<path>\": <message>"
     atr_String Located(const atr_String& message) const;
