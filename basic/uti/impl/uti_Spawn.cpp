@@ -6,7 +6,6 @@
 
 #include "aio/aio_ostream.h"
 #include "atr/atr_translate.h"
-#include "cow/cow_SystemErrorCode.h"
 #include "mem/mem_Memory.h"
 #include "pnt/pnt_DebugMarks.h"
 #include "typ/typ_DebugFlags.h"
@@ -116,56 +115,6 @@ void uti_SpawnTraceRedirection(int stream, intptr_t handle)
 {
     aio_cout().print("uti_Spawn: redirecting standard handle ").print_int(stream).print(" to ")
         .print_longlong(static_cast<long long>(handle)).print("\n");
-}
-
-// --- exceptions ---
-
-uti_IOErrorException::uti_IOErrorException(const char* call, const uti_Spawn* spawn, int error)
-    : m_call(call), m_spawn(spawn), m_error(error)
-{
-}
-
-atr_String uti_IOErrorException::JournalMessage() const
-{
-    return atr_translate("%1$s failed (error %2$d): %3$s")
-        .Arg(m_call)
-        .Arg(static_cast<int>(m_error))
-        .Arg(cow_SystemErrorCode(static_cast<uint32_t>(m_error)).GetText())
-        .Result();
-}
-
-atr_String uti_IOErrorException::PythonType() const
-{
-    return atr_String("IOError");
-}
-
-uti_CmdFailedException::uti_CmdFailedException(const atr_String& message) : m_message(message) {}
-
-atr_String uti_CmdFailedException::JournalMessage() const
-{
-    return m_message;
-}
-
-atr_String uti_CmdFailedException::PythonType() const
-{
-    return atr_String("CommandError");
-}
-
-uti_InterruptedException::uti_InterruptedException(const atr_String& message) : m_message(message) {}
-
-atr_String uti_InterruptedException::JournalMessage() const
-{
-    return m_message;
-}
-
-atr_String uti_InterruptedException::PythonType() const
-{
-    return atr_String("KeyboardInterrupt");
-}
-
-uti_CommandNotFoundException::uti_CommandNotFoundException(const cow_String& command)
-    : uti_CmdFailedException(atr_translate("Command not found: %1$s").Arg(command).Result()), m_command(command)
-{
 }
 
 // --- texts ---
