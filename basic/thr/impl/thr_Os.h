@@ -6,6 +6,8 @@
 
 #include <cstddef>
 
+#include "mem/mem_Memory.h"
+
 namespace thr_os {
 
 // Bytes reserved inside thr_Mutex for the platform's lock object.
@@ -29,6 +31,19 @@ bool EventWait(void* event, long milliseconds);
 
 typedef void* Thread;
 typedef unsigned (*ThreadEntry)(void* argument);
+
+// A record from the memory layer that holds what a new thread runs (members `entry` and
+// `argument`); the platform part keeps its own fields beside them. Null when there is no memory.
+template <class Record>
+Record* NewThreadRecord(ThreadEntry entry, void* argument)
+{
+    Record* record = static_cast<Record*>(mem_Malloc(sizeof(Record)));
+    if (record) {
+        record->entry = entry;
+        record->argument = argument;
+    }
+    return record;
+}
 
 // Starts a thread with the default stack size; null when the system refuses.
 [[nodiscard]] Thread ThreadStart(ThreadEntry entry, void* argument);

@@ -270,12 +270,12 @@ void uti_Spawn::spawn(const cow_String& command, const utl_FilePath& program, co
     if (level >= 1)
         aio_cout().print(pnt_DebugStartMark());
     intptr_t process = P::kNoProcess;
-    int error = 0;
+    uint32_t error = 0;
     const bool started = P::Start(request, process, error);
     if (level >= 1)
         aio_cout().print(pnt_DebugEndMark()).flush();
     if (!started)
-        NEX_RAISE(uti_IOErrorException, P::kStartCall, this, error);
+        NEX_RAISE(uti_IOErrorException, P::kStartCall, this, static_cast<int>(error));
     Forget();
     m_handle = process;
     m_running = 1;
@@ -307,10 +307,11 @@ int uti_Spawn::Wait(int seconds)
 {
     if (!m_running)
         return m_status;
-    int status = 0, error = 0;
+    int status = 0;
+    uint32_t error = 0;
     switch (P::Wait(m_handle, seconds, status, error)) {
     case P::Failed:
-        NEX_RAISE(uti_IOErrorException, P::kWaitCall, this, error);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, this, static_cast<int>(error));
     case P::Exited:
         Finish(status);
         break;
@@ -361,10 +362,11 @@ uti_Spawn* uti_Spawn::waitForAny(uti_Spawn** children, int count)
     intptr_t* handles = static_cast<intptr_t*>(memory.p);
     for (int i = 0; i < count; ++i)
         handles[i] = children[i]->m_handle;
-    int status = 0, error = 0;
+    int status = 0;
+    uint32_t error = 0;
     const int which = P::WaitAny(handles, count, status, error);
     if (which < 0)
-        NEX_RAISE(uti_IOErrorException, P::kWaitCall, nullptr, error);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, nullptr, static_cast<int>(error));
     uti_Spawn* child = children[which];
     if (status != P::kStillActive)
         child->Finish(status);

@@ -7,7 +7,7 @@
 #include "mem/mem_Memory.h"
 #include "utl/impl/utl_DirListing.h"
 #include "utl/impl/utl_FileSystem.h"
-#include "utl/impl/utl_LockFile.h"
+#include "sys/impl/sys_Os.h"
 #include "utl/utl_Stat.h"
 
 namespace FS = utl_FileSystem;
@@ -33,7 +33,7 @@ void RemoveFile(const cow_String& path)
 {
     uint32_t error = 0;
     if (!FS::FaultFires(utl_FileCallDelete, error))
-        utl_LockFile::Remove(path);
+        sys_RemoveFile(path.c_str(), error);
 }
 
 // Closes and deletes the save file when the save ends, however it ends, unless it has to be kept:
@@ -208,7 +208,8 @@ bool utl_MultisectionFile::AcquireLock()
     const cow_String owner = utl_MultisectionLockOwner::Current().Text();
     for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
         uint32_t error = 0;
-        if (!FS::FaultFires(utl_FileCallOpen, error) && utl_LockFile::Create(m_lockPath, owner)) {
+        if (!FS::FaultFires(utl_FileCallOpen, error) &&
+            sys_CreateExclusive(m_lockPath.c_str(), owner.c_str(), owner.Length(), error)) {
             m_lockHeld = true;
             return true;
         }
@@ -363,7 +364,7 @@ cow_String utl_MultisectionFile::SavePath() const
 {
     cow_String path(m_path);
     path += ".";
-    path += cow_String(utl_LockFile::ProcessId());
+    path += cow_String(sys_ProcessId());
     path += ".tmp";
     return path;
 }
