@@ -43,6 +43,19 @@ public:                                                                        \
     [[noreturn]] void Propagate() const override { throw Class(*this); }       \
     [[nodiscard]] nex_Exception* Copy() const override { return new Class(*this); }
 
+// The members of a class whose one persistent field is a text, m_Value (key m_Value): made from
+// the text or read back from a reader, written by DBWrite, rendered by AsString. Written last in
+// the class body.
+#define NEX_MESSAGE_FIELD(Class)                                     \
+public:                                                              \
+    explicit Class(const atr_String& text);                          \
+    explicit Class(const cls_ReadVisitor& reader);                   \
+    void DBWrite(const cls_WriteVisitor& writer) const override;     \
+    atr_String AsString() const override;                            \
+                                                                     \
+protected:                                                           \
+    atr_String m_Value;
+
 #define NEX_TEXT_EXCEPTION(Class, Base, id)                    \
     class ZUL_BASIC_API Class : public Base {                  \
         NEX_EXCEPTION_CLASS(Class, id)                         \
@@ -93,19 +106,13 @@ private:
 };
 
 // An error described by its message alone.
+// AsString: the message as it stands.
 class ZUL_BASIC_API nex_TextException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_TextException, 0x1F0002u)
 public:
-    explicit nex_TextException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_TextException(const atr_String& message);
     explicit nex_TextException(const char* message);
-    // The message as it stands.
-    atr_String AsString() const override;
     const atr_String& Message() const { return m_Value; }
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_TextException)
 };
 
 // An error visible to the product's scripting layer: reported as "<PythonType()>: <JournalMessage()>".
@@ -127,28 +134,15 @@ protected:
 class ZUL_BASIC_API nex_AssertException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_AssertException, 0x1F0004u)
 public:
-    explicit nex_AssertException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_AssertException(const atr_String& condition);
     explicit nex_AssertException(const char* condition);
-    atr_String AsString() const override;
     const atr_String& Condition() const { return m_Value; }
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_AssertException)
 };
 
 // A checked downcast that is not allowed (see nex_canDynamicCastRef).
 class ZUL_BASIC_API nex_BadCastException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_BadCastException, 0x1F0005u)
-public:
-    explicit nex_BadCastException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_BadCastException(const atr_String& message);
-    atr_String AsString() const override;
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_BadCastException)
 };
 
 // A request to end the program with an exit code.
@@ -174,14 +168,7 @@ protected:
 // An object found in an invalid state.
 class ZUL_BASIC_API nex_InvalidObjException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_InvalidObjException, 0x1F0007u)
-public:
-    explicit nex_InvalidObjException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_InvalidObjException(const atr_String& message);
-    atr_String AsString() const override;
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_InvalidObjException)
 };
 
 // A failed system call, carrying its error code; reported as the code's own text.
