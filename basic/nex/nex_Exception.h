@@ -36,24 +36,24 @@
 #include "omi/omi_SystemErrorCode.h"
 #include "zul_BasicExport.h"
 
-#define NEX_EXCEPTION_CLASS(Class, id)                                         \
-public:                                                                        \
-    static unsigned TypeId() { return (id); }                                  \
-    unsigned DynTypeId() const override { return (id); }                       \
-    [[noreturn]] void Propagate() const override { throw Class(*this); }       \
+#define NEX_EXCEPTION_CLASS(Class, id)                                              \
+public:                                                                             \
+    static unsigned TypeId() { return (id); }                                       \
+    unsigned DynTypeId() const override { return (id); }                            \
+    [[noreturn]] void Propagate() const override { throw Class(*this); }            \
     [[nodiscard]] nex_Exception* Copy() const override { return new Class(*this); }
 
 // The members of a class whose one persistent field is a text, m_Value (key m_Value): made from
 // the text or read back from a reader, written by DBWrite, rendered by AsString. Written last in
 // the class body.
-#define NEX_MESSAGE_FIELD(Class)                                     \
-public:                                                              \
-    explicit Class(const atr_String& text);                          \
-    explicit Class(const cls_ReadVisitor& reader);                   \
-    void DBWrite(const cls_WriteVisitor& writer) const override;     \
-    atr_String AsString() const override;                            \
-                                                                     \
-protected:                                                           \
+#define NEX_MESSAGE_FIELD(Class)                                 \
+public:                                                          \
+    explicit Class(const atr_String& text);                      \
+    explicit Class(const cls_ReadVisitor& reader);               \
+    void DBWrite(const cls_WriteVisitor& writer) const override; \
+    atr_String AsString() const override;                        \
+                                                                 \
+protected:                                                       \
     atr_String m_Value;
 
 #define NEX_TEXT_EXCEPTION(Class, Base, id)                    \
