@@ -19,6 +19,7 @@
 #include "omi/omi_SystemErrorCode.h"
 #include "omi/omi_Timer.h"
 #include "omi/omi_strtoSizeT.h"
+#include "zul_Compiler.h"
 #include "zul_Version.h"
 
 // Upper library

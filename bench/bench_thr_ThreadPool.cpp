@@ -7,6 +7,8 @@
 #include <algorithm>
 #include <atomic>
 #include <chrono>
+#include <cstdio>
+#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -34,6 +36,17 @@ thr_ThreadPool& PoolWithTwoWorkers()
     return pool;
 }
 
+// Hands the task to the pool, which with tries = 0 waits until a worker takes it; a task not
+// placed would still be ours.
+void Place(thr_ThreadPool& pool, thr_ThreadTask* task)
+{
+    if (!pool.RunTask(task)) {
+        delete task;
+        std::fprintf(stderr, "bench_thr_ThreadPool: a task was not placed\n");
+        std::exit(1);
+    }
+}
+
 // Median start latency in microseconds over `rounds` tasks, idling `idle` before each.
 double MedianStartMicroseconds(int rounds, std::chrono::milliseconds idle)
 {
@@ -43,7 +56,7 @@ double MedianStartMicroseconds(int rounds, std::chrono::milliseconds idle)
         std::this_thread::sleep_for(idle);
         std::atomic<int64_t> started{0};
         const int64_t placed = Clock::now().time_since_epoch().count();
-        pool.RunTask(new StampTask(started));
+        Place(pool, new StampTask(started));
         while (started.load(std::memory_order_acquire) == 0)
             std::this_thread::yield();
         latencies.push_back(std::chrono::duration<double, std::micro>(Clock::duration(started.load() - placed)).count());
@@ -97,7 +110,7 @@ void thr_SmallTasksOnTwoWorkers(benchmark::State& state)
     for (auto _ : state) {
         std::atomic<int> done{0};
         for (int i = 0; i < kTasks; ++i)
-            pool.RunTask(new SmallTask(done));
+            Place(pool, new SmallTask(done));
         while (done.load(std::memory_order_acquire) < kTasks)
             std::this_thread::yield();
     }

@@ -1,6 +1,17 @@
-# Collects the sources of a library tree laid out as <root>/<mod>/impl/<mod>_<Name>.cpp.
-# Files ending in _win32.cpp or _posix.cpp are taken for their own platform only.
-# Each source gets ZUL_SOURCE_NAME, the name a throw site records ("utl/impl/utl_File").
+# Gives each source ZUL_SOURCE_NAME, the name a throw site records: its path below `root`
+# without the extension and the platform suffix ("utl/impl/utl_File").
+function(zul_source_names root)
+  foreach(src IN LISTS ARGN)
+    file(RELATIVE_PATH rel "${root}" "${src}")
+    string(REGEX REPLACE "\\.(cpp|c)$" "" rel "${rel}")
+    string(REGEX REPLACE "_(win32|posix)$" "" rel "${rel}")
+    set_source_files_properties("${src}" PROPERTIES COMPILE_DEFINITIONS "ZUL_SOURCE_NAME=\"${rel}\"")
+  endforeach()
+endfunction()
+
+# Collects the sources of a library tree laid out as <root>/<mod>/impl/<mod>_<Name>.cpp, each
+# with its source name. Files ending in _win32.cpp or _posix.cpp are taken for their own
+# platform only.
 function(zul_collect_sources root out_var)
   file(GLOB_RECURSE srcs CONFIGURE_DEPENDS "${root}/*/impl/*.cpp" "${root}/*/impl/*.c")
   set(kept "")
@@ -8,12 +19,9 @@ function(zul_collect_sources root out_var)
     if(src MATCHES "_${ZUL_OTHER_PLATFORM_SUFFIX}\\.(cpp|c)$")
       continue()
     endif()
-    file(RELATIVE_PATH rel "${root}" "${src}")
-    string(REGEX REPLACE "\\.(cpp|c)$" "" rel "${rel}")
-    string(REGEX REPLACE "_(win32|posix)$" "" rel "${rel}")
-    set_source_files_properties("${src}" PROPERTIES COMPILE_DEFINITIONS "ZUL_SOURCE_NAME=\"${rel}\"")
     list(APPEND kept "${src}")
   endforeach()
+  zul_source_names(${root} ${kept})
   set(${out_var} "${kept}" PARENT_SCOPE)
 endfunction()
 

@@ -1,26 +1,25 @@
 # PCRE2 for the rgx module: 8-bit code units, JIT on. Defines the imported target zul::pcre2.
-# Linux: Debian's libpcre2-dev through pkg-config. Windows cross build: a static library built
-# from Debian's pcre2 source package with the MinGW toolchain by scripts/pcre2-mingw.sh, cached
-# outside the build tree (ZUL_PCRE2_CACHE) so that fresh build trees reuse it.
+# Linux: Debian's libpcre2-dev through pkg-config. Windows cross build: the static library that
+# scripts/deps.sh builds from Debian's pcre2 source package with the MinGW toolchain
+# (scripts/pcre2-mingw.sh) into ZUL_PCRE2_CACHE; configuring only looks for it there.
 if(TARGET zul::pcre2)
   return()
 endif()
 
 if(WIN32 AND CMAKE_CROSSCOMPILING)
-  if(DEFINED ENV{HOME} AND NOT "$ENV{HOME}" STREQUAL "")
-    set(zul_pcre2_default_cache "$ENV{HOME}/.cache/zulfnduti/pcre2")
-  else()
-    set(zul_pcre2_default_cache "${CMAKE_BINARY_DIR}/_deps/pcre2")
+  # The same default as scripts/pcre2-mingw.sh.
+  set(ZUL_PCRE2_CACHE "$ENV{HOME}/.cache/zulfnduti/pcre2" CACHE PATH
+      "Where scripts/deps.sh keeps the MinGW build of PCRE2 (<cache>/<version>-mingw64)")
+  file(GLOB zul_pcre2_stamps "${ZUL_PCRE2_CACHE}/*-mingw64/.built")
+  set(zul_pcre2_prefix "")
+  if(zul_pcre2_stamps)
+    list(SORT zul_pcre2_stamps COMPARE NATURAL ORDER DESCENDING)
+    list(GET zul_pcre2_stamps 0 zul_pcre2_stamp)
+    get_filename_component(zul_pcre2_prefix "${zul_pcre2_stamp}" DIRECTORY)
   endif()
-  set(ZUL_PCRE2_CACHE "${zul_pcre2_default_cache}" CACHE PATH
-      "Where the MinGW build of PCRE2 and its Debian source package are kept")
-  execute_process(
-    COMMAND bash ${PROJECT_SOURCE_DIR}/scripts/pcre2-mingw.sh ${ZUL_PCRE2_CACHE} ${CMAKE_TOOLCHAIN_FILE}
-    RESULT_VARIABLE zul_pcre2_rc
-    OUTPUT_VARIABLE zul_pcre2_prefix
-    OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(NOT zul_pcre2_rc EQUAL 0 OR NOT EXISTS "${zul_pcre2_prefix}/lib/libpcre2-8.a")
-    message(FATAL_ERROR "PCRE2 for the Windows build could not be made (scripts/pcre2-mingw.sh)")
+  if(NOT EXISTS "${zul_pcre2_prefix}/lib/libpcre2-8.a")
+    message(FATAL_ERROR "No MinGW build of PCRE2 in ${ZUL_PCRE2_CACHE}: run scripts/deps.sh, which builds it "
+                        "(or set ZUL_PCRE2_CACHE to where it was built)")
   endif()
   message(STATUS "PCRE2 (MinGW, static, JIT): ${zul_pcre2_prefix}")
   add_library(zul::pcre2 STATIC IMPORTED GLOBAL)

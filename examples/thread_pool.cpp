@@ -62,8 +62,15 @@ int main()
 
     {
         Work work;
-        for (int piece = 0; piece < kPieces; ++piece)
-            pool.RunTask(new SquaresTask(work, piece));  // waits for an idle worker when all are busy
+        for (int piece = 0; piece < kPieces; ++piece) {
+            // Waits for an idle worker when all are busy. A task not placed (possible only with a
+            // limited number of tries) is still ours: run it here.
+            SquaresTask* task = new SquaresTask(work, piece);
+            if (!pool.RunTask(task)) {
+                task->Run(-1);
+                delete task;
+            }
+        }
         work.allDone.WaitForSignal(0);                    // 0: without a time limit
 
         uint64_t total = 0;

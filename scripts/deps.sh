@@ -15,7 +15,7 @@ packages=(
 SUDO=""
 [ "$(id -u)" -eq 0 ] || SUDO="sudo"
 
-# The Windows build compiles PCRE2 from Debian's source package (cmake/ZulPcre2.cmake), which
+# The Windows build links PCRE2 compiled from Debian's source package (built below), which
 # needs source entries: mirror the machine's own Debian entries as deb-src, once.
 update_needed=0
 src_list=/etc/apt/sources.list.d/zulfnduti-deb-src.sources
@@ -46,6 +46,10 @@ if [ ${#missing[@]} -gt 0 ]; then
   echo "deps: installing ${missing[*]}"
   $SUDO apt-get install -y -qq --no-install-recommends "${missing[@]}" >/dev/null
 fi
+
+# Static PCRE2 for the Windows cross build, into ~/.cache/zulfnduti/pcre2 where the Windows
+# configure looks for it (built once; later runs find its stamp).
+bash "$(dirname "$0")/pcre2-mingw.sh" >/dev/null
 
 # The first Wine start creates its prefix; do it once here so that no test pays for it.
 wine=/usr/lib/wine/wine64

@@ -1,15 +1,16 @@
 #!/usr/bin/env bash
 # Builds static PCRE2 10.42 (8-bit, JIT on) for the Windows cross build from Debian's pcre2
-# source package, with the MinGW toolchain, and installs it into a cache directory that later
-# builds reuse.
-#   scripts/pcre2-mingw.sh <cache-dir> <toolchain-file>
+# source package, with the MinGW toolchain, and installs it into a cache directory where the
+# Windows configure finds it (cmake/ZulPcre2.cmake). scripts/deps.sh runs it.
+#   scripts/pcre2-mingw.sh [<cache-dir> [<toolchain-file>]]
+# The cache defaults to ~/.cache/zulfnduti/pcre2, the toolchain to cmake/mingw-w64-x86_64.cmake.
 # Installs into <cache-dir>/<version>-mingw64/{include,lib}, leaves a stamp file there when done
 # and prints that directory; with the stamp already present it only prints the directory. Needs a
 # deb-src entry (scripts/deps.sh adds one).
 set -euo pipefail
 
-cache=${1:?cache directory}
-toolchain=${2:?toolchain file}
+cache=${1:-$HOME/.cache/zulfnduti/pcre2}
+toolchain=${2:-$(cd "$(dirname "$0")/.." && pwd)/cmake/mingw-w64-x86_64.cmake}
 want=10.42
 
 mkdir -p "$cache/src"

@@ -24,6 +24,7 @@
 
 #include "mem/mem_AllocationOperators.h"
 #include "nex/nex_Exception.h"
+#include "zul_Compiler.h"
 
 template <class K, int N>
 struct cls_PTrieKey {
@@ -72,7 +73,7 @@ public:
             trie.SetItem(this);
             return this->Done;
         }
-        return 31 - __builtin_clz(mine ^ theirs);  // the highest differing bit; mine != theirs
+        return 31 - zul_CountLeadingZeros32(mine ^ theirs);  // the highest differing bit; mine != theirs
     }
 
     cls_PTrieNode<K, V, N>* Remove(cls_PTrie<K, V, N>& trie, const K& k) override
@@ -208,10 +209,8 @@ public:
     const V& ConstGet(const K& key) const
     {
         const V* value = ConstGetPtr(key);
-        if (!value) {
-            nex_TextException failure("cls_PTrie: no entry for the key");
-            failure.Throw("cls/impl/cls_PTrie", __LINE__);
-        }
+        if (!value)
+            nex_Raise<nex_TextException>("cls/impl/cls_PTrie", __LINE__, "cls_PTrie: no entry for the key");
         return *value;
     }
 

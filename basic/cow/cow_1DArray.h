@@ -22,6 +22,7 @@
 #include "cow/cow_COW.h"
 #include "mem/mem_Memory.h"
 #include "mem/mem_OutOfMemory.h"
+#include "zul_Compiler.h"
 
 template <class T>
 struct cow_1DArrayBlock {
@@ -316,7 +317,7 @@ private:
     const T& Element(int32_t full) const
     {
         const Block* block = m_table[full >> m_shift];
-        if (__builtin_expect(block != nullptr, 1))
+        if (ZUL_LIKELY(block != nullptr))
             return block->elements[full & ((int32_t(1) << m_shift) - 1)];
         return DefaultElement();
     }

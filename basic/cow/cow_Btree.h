@@ -27,6 +27,7 @@
 #include "atr/atr_StringBase.h"
 #include "cow/cow_COW.h"
 #include "cow/cow_List.h"
+#include "zul_Compiler.h"
 
 // Where a sought key goes from a node's key: < 0 left, 0 the same entry, > 0 right.
 inline int cow_BtreeCompare(int sought, int key)
@@ -151,7 +152,7 @@ public:
             // On the way back up this node's height is recomputed from both children: fetch the
             // one off the path now, while the search goes on below.
             if (Handle* other = c < 0 ? node->right : node->left)
-                __builtin_prefetch(other);
+                ZUL_PREFETCH(other);
             nodes[depth] = node;
             links[depth] = &link;
             ++depth;

@@ -35,6 +35,7 @@
 #include "cow/cow_String.h"
 #include "mem/mem_Memory.h"
 #include "mem/mem_OutOfMemory.h"
+#include "zul_Compiler.h"
 
 // Key bit d of each key type.
 inline int cow_MapKeyBit(int key, int d)
@@ -179,8 +180,8 @@ private:
     // key is compared (a string key's text is a block of its own).
     static void FetchChildren(const Node& node)
     {
-        __builtin_prefetch(node.left.GetPtr());
-        __builtin_prefetch(node.right.GetPtr());
+        ZUL_PREFETCH(node.left.GetPtr());
+        ZUL_PREFETCH(node.right.GetPtr());
     }
 
     const Node* Find(const K& key) const

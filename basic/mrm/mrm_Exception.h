@@ -6,10 +6,6 @@
 #include "nex/nex_Exception.h"
 #include "zul_BasicExport.h"
 
-class ZUL_BASIC_API mrm_Exception : public nex_TextException {
-    NEX_EXCEPTION_CLASS(mrm_Exception, 0x2B0101u)
-public:
-    explicit mrm_Exception(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(mrm_Exception, nex_TextException, 0x2B0101u);
 
 #endif

@@ -38,11 +38,11 @@ public:
     // Allocates the memory of a declared block and pins it. Fails for a block that already
     // holds memory. The memory layer raises nex_OutOfMemoryException when it has none left;
     // the block then stays as it was.
-    bool Acquire(mrm_MemBlockID id);
+    [[nodiscard]] bool Acquire(mrm_MemBlockID id);
     // Marks a pinned block releasable; type is mrm_ReleaseType0 or mrm_ReleaseType1.
     bool Unpin(mrm_MemBlockID id, mrm_ReleaseType type);
     // Pins an unpinned block with memory again.
-    bool Pin(mrm_MemBlockID id);
+    [[nodiscard]] bool Pin(mrm_MemBlockID id);
     // Frees the block's memory (if any) and its record, and sets id to 0.
     bool Release(mrm_MemBlockID& id);
     // Frees the block's memory and takes it off the tallies, keeping the record (it can be

@@ -28,7 +28,7 @@ public:
 
     // At least `size` bytes; a size outside 0 .. 2^31 - 9 raises mrm_Exception, exhaustion
     // nex_OutOfMemoryException. A failure changes nothing.
-    void* Alloc(int64_t size);
+    [[nodiscard]] void* Alloc(int64_t size);
     // Frees a block of this pool; null is ignored.
     void Free(void* p);
 

@@ -21,11 +21,14 @@
 // identity kept by the persistence layer and is not among the written fields.
 //
 // A module deriving its own exception class writes NEX_EXCEPTION_CLASS(Class, id) in its body
-// to get TypeId, DynTypeId, Propagate and Copy.
+// to get TypeId, DynTypeId, Propagate and Copy; a class that is its base's message and nothing
+// more is declared whole by NEX_TEXT_EXCEPTION(Class, Base, id). A throw site writes
+// NEX_RAISE(Class, constructor arguments...), which records its source name and line.
 #ifndef NEX_EXCEPTION_H
 #define NEX_EXCEPTION_H
 
 #include <cstdint>
+#include <utility>
 
 #include "atr/atr_String.h"
 #include "cls/cls_Uid.h"
@@ -33,12 +36,32 @@
 #include "omi/omi_SystemErrorCode.h"
 #include "zul_BasicExport.h"
 
-#define NEX_EXCEPTION_CLASS(Class, id)                                         \
-public:                                                                        \
-    static unsigned TypeId() { return (id); }                                  \
-    unsigned DynTypeId() const override { return (id); }                       \
-    [[noreturn]] void Propagate() const override { throw Class(*this); }       \
-    nex_Exception* Copy() const override { return new Class(*this); }
+#define NEX_EXCEPTION_CLASS(Class, id)                                              \
+public:                                                                             \
+    static unsigned TypeId() { return (id); }                                       \
+    unsigned DynTypeId() const override { return (id); }                            \
+    [[noreturn]] void Propagate() const override { throw Class(*this); }            \
+    [[nodiscard]] nex_Exception* Copy() const override { return new Class(*this); }
+
+// The members of a class whose one persistent field is a text, m_Value (key m_Value): made from
+// the text or read back from a reader, written by DBWrite, rendered by AsString. Written last in
+// the class body.
+#define NEX_MESSAGE_FIELD(Class)                                 \
+public:                                                          \
+    explicit Class(const atr_String& text);                      \
+    explicit Class(const cls_ReadVisitor& reader);               \
+    void DBWrite(const cls_WriteVisitor& writer) const override; \
+    atr_String AsString() const override;                        \
+                                                                 \
+protected:                                                       \
+    atr_String m_Value;
+
+#define NEX_TEXT_EXCEPTION(Class, Base, id)                    \
+    class ZUL_BASIC_API Class : public Base {                  \
+        NEX_EXCEPTION_CLASS(Class, id)                         \
+    public:                                                    \
+        explicit Class(const atr_String& text) : Base(text) {} \
+    }
 
 class cls_ReadVisitor;
 class cls_WriteVisitor;
@@ -56,7 +79,7 @@ public:
     // Throws a copy of the object as its own dynamic type.
     [[noreturn]] virtual void Propagate() const = 0;
     // A new heap copy of the dynamic type.
-    virtual nex_Exception* Copy() const = 0;
+    [[nodiscard]] virtual nex_Exception* Copy() const = 0;
     virtual unsigned DynTypeId() const;
     // Writes the persistent fields (nex_Exception itself has none).
     virtual void DBWrite(const cls_WriteVisitor& writer) const;
@@ -83,19 +106,13 @@ private:
 };
 
 // An error described by its message alone.
+// AsString: the message as it stands.
 class ZUL_BASIC_API nex_TextException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_TextException, 0x1F0002u)
 public:
-    explicit nex_TextException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_TextException(const atr_String& message);
     explicit nex_TextException(const char* message);
-    // The message as it stands.
-    atr_String AsString() const override;
     const atr_String& Message() const { return m_Value; }
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_TextException)
 };
 
 // An error visible to the product's scripting layer: reported as "<PythonType()>: <JournalMessage()>".
@@ -117,28 +134,15 @@ protected:
 class ZUL_BASIC_API nex_AssertException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_AssertException, 0x1F0004u)
 public:
-    explicit nex_AssertException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_AssertException(const atr_String& condition);
     explicit nex_AssertException(const char* condition);
-    atr_String AsString() const override;
     const atr_String& Condition() const { return m_Value; }
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_AssertException)
 };
 
 // A checked downcast that is not allowed (see nex_canDynamicCastRef).
 class ZUL_BASIC_API nex_BadCastException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_BadCastException, 0x1F0005u)
-public:
-    explicit nex_BadCastException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_BadCastException(const atr_String& message);
-    atr_String AsString() const override;
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_BadCastException)
 };
 
 // A request to end the program with an exit code.
@@ -164,14 +168,7 @@ protected:
 // An object found in an invalid state.
 class ZUL_BASIC_API nex_InvalidObjException : public nex_Exception {
     NEX_EXCEPTION_CLASS(nex_InvalidObjException, 0x1F0007u)
-public:
-    explicit nex_InvalidObjException(const cls_ReadVisitor& reader);
-    void DBWrite(const cls_WriteVisitor& writer) const override;
-    explicit nex_InvalidObjException(const atr_String& message);
-    atr_String AsString() const override;
-
-protected:
-    atr_String m_Value;
+    NEX_MESSAGE_FIELD(nex_InvalidObjException)
 };
 
 // A failed system call, carrying its error code; reported as the code's own text.
@@ -188,15 +185,24 @@ protected:
     omi_SystemErrorCode m_Value;
 };
 
-// Throws nex_AssertException with the condition's text from this source file and line.
-#define NEX_ASSERT_AT(cond, source)                          \
-    do {                                                     \
-        if (!(cond)) {                                       \
-            nex_AssertException nex_assert_failure_(#cond);  \
-            nex_assert_failure_.Throw((source), __LINE__);   \
-        }                                                    \
+// Builds an E from the arguments and throws it from the given source and line.
+template <class E, class... A>
+[[noreturn]] void nex_Raise(const char* source, int line, A&&... arguments)
+{
+    E failure(std::forward<A>(arguments)...);
+    failure.Throw(source, line);
+}
+#define NEX_RAISE(E, ...) nex_Raise<E>(ZUL_SOURCE_NAME, __LINE__, __VA_ARGS__)
+
+// Throws nex_AssertException with the condition's text from this source file and line. The text
+// is taken where the condition is written, before any macro in it is expanded.
+#define NEX_ASSERT_TEXT_AT(cond, text, source)                          \
+    do {                                                                \
+        if (!(cond))                                                    \
+            nex_Raise<nex_AssertException>((source), __LINE__, (text)); \
     } while (0)
-#define NEX_ASSERT(cond) NEX_ASSERT_AT(cond, ZUL_SOURCE_NAME)
+#define NEX_ASSERT_AT(cond, source) NEX_ASSERT_TEXT_AT(cond, #cond, source)
+#define NEX_ASSERT(cond) NEX_ASSERT_TEXT_AT(cond, #cond, ZUL_SOURCE_NAME)
 
 // Entry points that a client can reference; they do nothing.
 ZUL_BASIC_API void nex_formalize();

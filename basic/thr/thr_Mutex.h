@@ -22,7 +22,7 @@ public:
     void Lock();
     void Unlock();
     // 1 when the mutex was free and is now held by the caller, 0 otherwise.
-    int TryLock();
+    [[nodiscard]] int TryLock();
 
     bool IsHeld() const { return m_held.load(std::memory_order_relaxed) != 0; }
 

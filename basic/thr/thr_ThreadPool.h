@@ -55,7 +55,7 @@ public:
 
     // Hands the task to an idle worker; true when placed. tries < 1: keep trying until placed.
     // The pool owns the task once it is placed; a task not placed still belongs to the caller.
-    bool RunTask(thr_ThreadTask* task, bool keepGoing = false, int tries = 0);
+    [[nodiscard]] bool RunTask(thr_ThreadTask* task, bool keepGoing = false, int tries = 0);
 
     // Marks worker i for termination (unless i is -1) and destroys the calling thread's
     // per-thread singletons.

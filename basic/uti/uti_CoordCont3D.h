@@ -28,11 +28,7 @@
 #include "zul_BasicExport.h"
 
 // Bad arguments given to a coordinate container.
-class ZUL_BASIC_API uti_CoordException : public nex_TextException {
-    NEX_EXCEPTION_CLASS(uti_CoordException, 0x20B01u)
-public:
-    explicit uti_CoordException(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(uti_CoordException, nex_TextException, 0x20B01u);
 
 class ZUL_BASIC_API uti_CoordCont3D : public mem_AllocationOperators {
 public:

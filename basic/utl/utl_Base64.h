@@ -22,11 +22,7 @@
 #include "nex/nex_Exception.h"
 #include "zul_BasicExport.h"
 
-class ZUL_BASIC_API utl_Base64Exception : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_Base64Exception, 0x30801u)
-public:
-    explicit utl_Base64Exception(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_Base64Exception, nex_TextException, 0x30801u);
 
 // The text for the bytes of `data`; empty for empty data. A failed allocation raises
 // utl_Base64Exception "memory allocation failure".

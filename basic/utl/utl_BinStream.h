@@ -22,37 +22,17 @@
 #include "omi/omi_Swapper.h"
 #include "zul_BasicExport.h"
 
-class ZUL_BASIC_API utl_BinStreamException : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_BinStreamException, 0x30201u)
-public:
-    explicit utl_BinStreamException(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_BinStreamException, nex_TextException, 0x30201u);
 
-class ZUL_BASIC_API utl_BinStreamWriteError : public utl_BinStreamException {
-    NEX_EXCEPTION_CLASS(utl_BinStreamWriteError, 0x30202u)
-public:
-    explicit utl_BinStreamWriteError(const atr_String& text) : utl_BinStreamException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_BinStreamWriteError, utl_BinStreamException, 0x30202u);
 
-class ZUL_BASIC_API utl_BinStreamReadError : public utl_BinStreamException {
-    NEX_EXCEPTION_CLASS(utl_BinStreamReadError, 0x30203u)
-public:
-    explicit utl_BinStreamReadError(const atr_String& text) : utl_BinStreamException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_BinStreamReadError, utl_BinStreamException, 0x30203u);
 
 // End of file before the requested count; not a utl_BinStreamReadError.
-class ZUL_BASIC_API utl_BinStreamEOF : public utl_BinStreamException {
-    NEX_EXCEPTION_CLASS(utl_BinStreamEOF, 0x30204u)
-public:
-    explicit utl_BinStreamEOF(const atr_String& text) : utl_BinStreamException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_BinStreamEOF, utl_BinStreamException, 0x30204u);
 
 // A string length below zero in the data.
-class ZUL_BASIC_API utl_BinStreamBadLength : public utl_BinStreamException {
-    NEX_EXCEPTION_CLASS(utl_BinStreamBadLength, 0x30205u)
-public:
-    explicit utl_BinStreamBadLength(const atr_String& text) : utl_BinStreamException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_BinStreamBadLength, utl_BinStreamException, 0x30205u);
 
 class ZUL_BASIC_API utl_BinOStream {
 public:

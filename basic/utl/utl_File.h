@@ -38,71 +38,17 @@ enum utl_FileSharing {
     utl_FileShareReadWrite = 2,
 };
 
-class ZUL_BASIC_API utl_FileExceptionOpen : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionOpen, 0x30301u)
-public:
-    explicit utl_FileExceptionOpen(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionNoFile : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionNoFile, 0x30302u)
-public:
-    explicit utl_FileExceptionNoFile(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionClose : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionClose, 0x30303u)
-public:
-    explicit utl_FileExceptionClose(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionSeek : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionSeek, 0x30304u)
-public:
-    explicit utl_FileExceptionSeek(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionLocation : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionLocation, 0x30305u)
-public:
-    explicit utl_FileExceptionLocation(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionFlush : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionFlush, 0x30306u)
-public:
-    explicit utl_FileExceptionFlush(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionRead : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionRead, 0x30307u)
-public:
-    explicit utl_FileExceptionRead(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionWrite : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionWrite, 0x30308u)
-public:
-    explicit utl_FileExceptionWrite(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionFull : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionFull, 0x30309u)
-public:
-    explicit utl_FileExceptionFull(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionSize : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionSize, 0x3030Au)
-public:
-    explicit utl_FileExceptionSize(const atr_String& text) : nex_TextException(text) {}
-};
-
-class ZUL_BASIC_API utl_FileExceptionExtend : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_FileExceptionExtend, 0x3030Bu)
-public:
-    explicit utl_FileExceptionExtend(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_FileExceptionOpen, nex_TextException, 0x30301u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionNoFile, nex_TextException, 0x30302u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionClose, nex_TextException, 0x30303u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionSeek, nex_TextException, 0x30304u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionLocation, nex_TextException, 0x30305u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionFlush, nex_TextException, 0x30306u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionRead, nex_TextException, 0x30307u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionWrite, nex_TextException, 0x30308u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionFull, nex_TextException, 0x30309u);
+NEX_TEXT_EXCEPTION(utl_FileExceptionSize, nex_TextException, 0x3030Au);
+NEX_TEXT_EXCEPTION(utl_FileExceptionExtend, nex_TextException, 0x3030Bu);
 
 // The kinds of system call the test hook counts and fails.
 enum utl_FileCallEnm {

@@ -36,10 +36,12 @@
 //   restore it first with "zulutil msf recover <path>"
 //
 // Errors are nex_TextException with the text "\"<path>\": <message>"; I/O failures come from
-// utl_File. A damaged table (truncated, impossible lengths) raises "Invalid string length" (or
-// "Invalid file type" / "Unsupported file format" for the header); a section whose bytes are
-// missing or altered raises "Data corrupted in section \"<name>\""; asking for an absent
-// section raises "No section \"<name>\"". A section whose stored bytes would run past the end
+// utl_File. A file that is no container of this format raises utl_MultisectionFormatException
+// with "Invalid file type" (magic) or "Unsupported file format" (version). A container whose
+// table is damaged (truncated, impossible lengths) raises utl_MultisectionCorruptException with
+// "Invalid string length", and one whose section bytes are missing or altered raises it with
+// "Data corrupted in section \"<name>\""; asking for an absent section raises "No section
+// \"<name>\"". A section whose stored bytes would run past the end
 // of the file is corrupt from the start: getSectionLength and getSectionData raise the
 // corruption message for it (so no caller sizes a buffer by a length the file cannot hold),
 // while the sections before it stay readable. Reading a container never allocates or reads
@@ -56,6 +58,11 @@
 #include "utl/utl_File.h"
 #include "utl/utl_MultisectionLockOwner.h"
 #include "zul_BasicExport.h"
+
+// A file that is no container of this format (magic, version).
+NEX_TEXT_EXCEPTION(utl_MultisectionFormatException, nex_TextException, 0x30401u);
+// A container whose table or section data is damaged.
+NEX_TEXT_EXCEPTION(utl_MultisectionCorruptException, nex_TextException, 0x30402u);
 
 // CRC-32/MPEG-2 of a buffer, continuing from crc (start with 0xFFFFFFFF). On processors with
 // carry-less multiplication long buffers are folded 64 bytes at a time; elsewhere, and for
@@ -116,6 +123,7 @@ public:
     // is excluded: remove locks while no writer may be starting on the container.
     static utl_MultisectionUnlockEnm RemoveLock(const cow_String& path, bool force, utl_MultisectionLockOwner& owner);
 
+private:
     struct Section {
         cow_String name;
         int32_t offset = 0;
@@ -127,15 +135,19 @@ public:
         bool operator==(const Section& o) const { return name == o.name; }
     };
 
-private:
     utl_MultisectionFile(const cow_String& path, utl_FileAccess mode, bool readTable);
+    // "\"<path>\": <message>"
+    atr_String Located(const atr_String& message) const;
     [[noreturn]] void Fail(const atr_String& message) const;
     [[noreturn]] void FailCorrupt(const Section& s) const;
     void ReleaseAll();
     int Find(const cow_String& name) const;
     int FindExisting(const cow_String& name) const;
     void ReadTable();
+    // Reads the bytes, or raises E with the message.
+    template <class E>
     void ReadExact(void* buffer, int count, const char* message);
+    template <class E>
     int32_t ReadInt(const char* message);
     bool AcquireLock();
     cow_String SavePath() const;

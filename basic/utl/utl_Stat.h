@@ -63,22 +63,10 @@ private:
 };
 
 // Exceptions for callers that report file-status problems in their own words.
-class ZUL_BASIC_API utl_StatException : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_StatException, 0x30101u)
-public:
-    explicit utl_StatException(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_StatException, nex_TextException, 0x30101u);
 
-class ZUL_BASIC_API utl_StatCantAccessFile : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_StatCantAccessFile, 0x30102u)
-public:
-    explicit utl_StatCantAccessFile(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_StatCantAccessFile, nex_TextException, 0x30102u);
 
-class ZUL_BASIC_API utl_StatUnknownSystemError : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_StatUnknownSystemError, 0x30103u)
-public:
-    explicit utl_StatUnknownSystemError(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_StatUnknownSystemError, nex_TextException, 0x30103u);
 
 #endif

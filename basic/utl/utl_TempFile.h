@@ -18,11 +18,7 @@
 #include "nex/nex_Exception.h"
 #include "zul_BasicExport.h"
 
-class ZUL_BASIC_API utl_TempFileException : public nex_TextException {
-    NEX_EXCEPTION_CLASS(utl_TempFileException, 0x30701u)
-public:
-    explicit utl_TempFileException(const atr_String& text) : nex_TextException(text) {}
-};
+NEX_TEXT_EXCEPTION(utl_TempFileException, nex_TextException, 0x30701u);
 
 class ZUL_BASIC_API utl_TempFileCantExc : public utl_TempFileException {
     NEX_EXCEPTION_CLASS(utl_TempFileCantExc, 0x30702u)

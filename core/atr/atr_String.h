@@ -7,6 +7,7 @@
 #include <cstdarg>
 
 #include "atr/atr_StringOps.h"
+#include "zul_Compiler.h"
 
 class ZUL_CORE_API atr_String : public atr_StringOps<atr_String> {
     using Ops = atr_StringOps<atr_String>;
@@ -54,18 +55,10 @@ public:
     }
 
     // printf-style formatting (no positional arguments; see atr_translate for those).
-    static atr_String Format(const char* fmt, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 1, 2)))
-#endif
-        ;
+    static atr_String Format(const char* fmt, ...) ZUL_PRINTF_FORMAT(1, 2);
     static atr_String FormatV(const char* fmt, va_list args);
     // Appends printf-style formatted text; returns the string.
-    atr_String& AppendFormat(const char* fmt, ...)
-#if defined(__GNUC__)
-        __attribute__((format(printf, 2, 3)))
-#endif
-        ;
+    atr_String& AppendFormat(const char* fmt, ...) ZUL_PRINTF_FORMAT(2, 3);
 };
 
 // Concatenation.

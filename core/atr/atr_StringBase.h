@@ -93,7 +93,7 @@ public:
 protected:
     atr_StringBase() : m_text(nullptr), m_rep(nullptr) {}
     atr_StringBase(const char* s);                    // copy of a zero-terminated text; null -> empty
-    atr_StringBase(const char* s, int n);             // first n characters (n < 0: up to the terminator)
+    atr_StringBase(const char* s, int n);             // first n bytes, zeros too (n < 0: up to the terminator)
     // Uses the caller's characters, which must stay alive and be zero-terminated at s[n]
     // (n < 0: strlen(s)).
     atr_StringBase(const char* s, int n, Borrow);

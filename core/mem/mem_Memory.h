@@ -27,17 +27,17 @@
 #include "zul_CoreExport.h"
 
 // Ordinary throwing allocation: at least `size` bytes (a size of 0 gives a unique block).
-ZUL_CORE_API void* mem_OperatorNewThrow(size_t size);
+[[nodiscard]] ZUL_CORE_API void* mem_OperatorNewThrow(size_t size);
 // Throwing allocation meant for small, frequent objects (a few dozen bytes).
-ZUL_CORE_API void* mem_OperatorNewTinyThrow(size_t size);
+[[nodiscard]] ZUL_CORE_API void* mem_OperatorNewTinyThrow(size_t size);
 // Throwing allocation used where the global operator new is meant.
-ZUL_CORE_API void* mem_OperatorNewThrowBuiltin(size_t size);
+[[nodiscard]] ZUL_CORE_API void* mem_OperatorNewThrowBuiltin(size_t size);
 
 // Runtime semantics: null on failure; mem_Realloc(nullptr, n) allocates, mem_Realloc(p, 0) frees p
 // and answers null; on failure the old block is left as it was. A block grown by small steps may
 // be given more room than asked for, so that the next steps need not move it.
-ZUL_CORE_API void* mem_Malloc(size_t size);
-ZUL_CORE_API void* mem_Realloc(void* p, size_t size);
+[[nodiscard]] ZUL_CORE_API void* mem_Malloc(size_t size);
+[[nodiscard]] ZUL_CORE_API void* mem_Realloc(void* p, size_t size);
 // Frees a block from any allocation function above; null is ignored.
 ZUL_CORE_API void mem_Free(void* p);
 

@@ -163,10 +163,12 @@ TEST(AtrString, ComparisonIsBytewiseOverUnsignedChars)
     EXPECT_TRUE(atr_String("abd") >= "abc");
 }
 
-TEST(AtrString, ConstructorsFromCountsClampAtTheTerminator)
+TEST(AtrString, ConstructorsFromCountsCopyExactlyThatMany)
 {
     EXPECT_EQ(S(atr_String("abcdef", 3)), "abc");
-    EXPECT_EQ(S(atr_String("ab", 10)), "ab");
+    const atr_String zeros("a\0b", 3);  // zero bytes inside the count are kept, as Adopt keeps them
+    EXPECT_EQ(zeros.Length(), 3);
+    EXPECT_EQ(std::string(zeros.c_str(), 4), std::string("a\0b\0", 4));
     EXPECT_EQ(S(atr_String("abc", -1)), "abc");
     EXPECT_EQ(atr_String("abc", 0).RefCount(), 0);
 }

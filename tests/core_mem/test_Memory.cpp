@@ -118,7 +118,7 @@ TEST_F(MemTest, HookFailsExactlyTheNthAllocation)
     void* second = mem_Malloc(16);
     EXPECT_EQ(mem_TestFailAllocationPending(), 1);
     try {
-        mem_OperatorNewTinyThrow(24);
+        (void)mem_OperatorNewTinyThrow(24);
         FAIL() << "third allocation should fail";
     } catch (const ThrowerError& e) {
         EXPECT_EQ(e.size, 24u);
@@ -151,11 +151,11 @@ TEST_F(MemTest, WithoutThrowerOrWhenItReturnsBadAllocIsThrown)
 {
     mem_SetOutOfMemoryThrower(nullptr);
     mem_TestFailAllocation(1);
-    EXPECT_THROW(mem_OperatorNewThrow(8), std::bad_alloc);
+    EXPECT_THROW((void)mem_OperatorNewThrow(8), std::bad_alloc);
 
     mem_SetOutOfMemoryThrower(&ReturningThrower);
     mem_TestFailAllocation(1);
-    EXPECT_THROW(mem_OperatorNewThrowBuiltin(77), std::bad_alloc);
+    EXPECT_THROW((void)mem_OperatorNewThrowBuiltin(77), std::bad_alloc);
     EXPECT_EQ(g_seenSize, 77u);
 }
 

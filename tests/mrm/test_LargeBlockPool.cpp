@@ -190,7 +190,7 @@ TEST_F(MrmLargeBlockPool, AllocationFailuresChangeNothing)
     mrm_MemBlockID id = pool.Declare(1);
     const mrm_Consumption before = table.GetConsumption();
     mem_TestFailAllocation(1);
-    EXPECT_THROW(pool.Acquire(id), nex_OutOfMemoryException);
+    EXPECT_THROW((void)pool.Acquire(id), nex_OutOfMemoryException);
     mem_TestFailAllocation(0);
     EXPECT_EQ(table.GetConsumption(), before);
     EXPECT_EQ(pool.GetPointer(id), nullptr);

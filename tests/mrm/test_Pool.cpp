@@ -40,7 +40,7 @@ TEST(MrmPool, ReserveIsChargedInSteps)
         EXPECT_EQ(provider.GetConsumption().GetPeakPinnedBytes(), 131072);
         pool.Free(big);
         pool.Free(nullptr);
-        EXPECT_THROW(pool.Alloc(-1), mrm_Exception);
+        EXPECT_THROW((void)pool.Alloc(-1), mrm_Exception);
     }
     // The ended pool gave its reserve back.
     EXPECT_EQ(provider.GetConsumption().GetDeclaredBlocks(), 0);

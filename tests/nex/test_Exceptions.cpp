@@ -134,7 +134,7 @@ TEST(NexOutOfMemory, AllocationFailureRaisesTheLibraryException)
 {
     mem_TestFailAllocation(1);
     try {
-        mem_OperatorNewThrow(64);
+        (void)mem_OperatorNewThrow(64);
         mem_TestFailAllocation(0);
         FAIL() << "the armed allocation succeeded";
     } catch (const nex_Exception& e) {

@@ -54,14 +54,17 @@ std::string SectionOf(utl_MultisectionFile& f, const char* name)
     return data;
 }
 
-// Expects a nex_TextException whose text is the quoted path, ": " and the message.
-template <class F>
+using Format = utl_MultisectionFormatException;
+using Corrupt = utl_MultisectionCorruptException;
+
+// Expects an E (a nex_TextException) whose text is the quoted path, ": " and the message.
+template <class E = nex_TextException, class F>
 void ExpectFailure(const std::string& path, const std::string& message, F action)
 {
     try {
         action();
         ADD_FAILURE() << "no failure, expected " << message;
-    } catch (const nex_TextException& e) {
+    } catch (const E& e) {
         EXPECT_EQ(e.UserReport(), ("\"" + path + "\": " + message).c_str());
         EXPECT_EQ(e.File(), "utl/impl/utl_MultisectionFile");
     }
@@ -153,11 +156,12 @@ TEST(UtlMultisectionFile, HeaderErrors)
     zul_test::TempDir dir;
     const std::string path = dir.File("bad.msf");
     zul_test::WriteFileBytes(path, "not a container at all");
-    ExpectFailure(path, "Invalid file type", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+    ExpectFailure<Format>(path, "Invalid file type", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
     zul_test::WriteFileBytes(path, Bytes({0x28, 0xC1, 0x1D, 0xAF, 2, 0, 0, 0, 0, 0, 0, 0}));
-    ExpectFailure(path, "Unsupported file format", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+    ExpectFailure<Format>(path, "Unsupported file format",
+                          [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
     zul_test::WriteFileBytes(path, Bytes({0x28, 0xC1}));
-    ExpectFailure(path, "Invalid file type", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+    ExpectFailure<Format>(path, "Invalid file type", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
 }
 
 TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
@@ -175,13 +179,16 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
     // Truncated anywhere inside the table.
     for (size_t cut = 12; cut < 12 + 4 + 5 + 8; ++cut) {
         zul_test::WriteFileBytes(path, good.substr(0, cut));
-        ExpectFailure(path, "Invalid string length", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+        ExpectFailure<Corrupt>(path, "Invalid string length",
+                               [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
     }
     // A negative name length, and one that runs past the end of the file.
     zul_test::WriteFileBytes(path, header + Le32(0xFFFFFFFFu));
-    ExpectFailure(path, "Invalid string length", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+    ExpectFailure<Corrupt>(path, "Invalid string length",
+                           [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
     zul_test::WriteFileBytes(path, header + Le32(0x7FFFFFF0u) + "abc");
-    ExpectFailure(path, "Invalid string length", [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
+    ExpectFailure<Corrupt>(path, "Invalid string length",
+                           [&] { utl_MultisectionFile(path.c_str(), utl_FileAccessRead); });
 
     // Data altered on disk, and data missing at the end.
     std::string altered = good;
@@ -189,7 +196,7 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
     zul_test::WriteFileBytes(path, altered);
     {
         utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
-        ExpectFailure(path, "Data corrupted in section \"alpha\"", [&] { SectionOf(f, "alpha"); });
+        ExpectFailure<Corrupt>(path, "Data corrupted in section \"alpha\"", [&] { SectionOf(f, "alpha"); });
     }
     // With a complete save file of this process beside the damaged container (left by a failed
     // copy-back), a save refuses rather than overwrite what may be the only complete copy.
@@ -211,7 +218,7 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
     zul_test::WriteFileBytes(path, good.substr(0, good.size() - 3));
     {
         utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
-        ExpectFailure(path, "Data corrupted in section \"alpha\"", [&] { SectionOf(f, "alpha"); });
+        ExpectFailure<Corrupt>(path, "Data corrupted in section \"alpha\"", [&] { SectionOf(f, "alpha"); });
     }
 
     // A 54-byte table claiming sections of 2 GiB: those past the end are corrupt before any
@@ -229,11 +236,11 @@ TEST(UtlMultisectionFile, DamagedTablesAndDataAreReported)
         ASSERT_EQ(f.SectionCount(), 3);
         EXPECT_EQ(f.SectionLength(2), 0x7FFFFFFF);
         EXPECT_EQ(SectionOf(f, "a"), "abc");
-        ExpectFailure(path, "Data corrupted in section \"b\"", [&] { f.getSectionLength("b"); });
+        ExpectFailure<Corrupt>(path, "Data corrupted in section \"b\"", [&] { f.getSectionLength("b"); });
         EXPECT_EQ(f.getSectionLength(0), 3);
-        ExpectFailure(path, "Data corrupted in section \"c\"", [&] { f.getSectionData(2, nullptr); });
+        ExpectFailure<Corrupt>(path, "Data corrupted in section \"c\"", [&] { f.getSectionData(2, nullptr); });
         f.setSectionData("a", "xyz", 3);
-        ExpectFailure(path, "Data corrupted in section \"b\"", [&] { f.saveChanges(); });
+        ExpectFailure<Corrupt>(path, "Data corrupted in section \"b\"", [&] { f.saveChanges(); });
     }
     EXPECT_EQ(zul_test::ReadFileBytes(path), crafted);
     EXPECT_EQ(FilesIn(dir.Path()), std::vector<std::string>{"damaged.msf"});

@@ -36,12 +36,6 @@ bool IsStandardStream(const std::string& path)
     return path.empty() || path == "-";
 }
 
-[[noreturn]] void StreamFailure(const char* what)
-{
-    nex_TextException failure{atr_String(what)};
-    failure.Throw("tools/zulutil/zulutil_Io", __LINE__);
-}
-
 }  // namespace
 
 void zulutil_SetBinaryStandardStreams()
@@ -60,7 +54,7 @@ void zulutil_ForEachPiece(const std::string& path, void (*piece)(void*, const ch
         while ((n = std::fread(&buffer[0], 1, kPiece, stdin)) > 0)
             piece(context, buffer.data(), n);
         if (std::ferror(stdin))
-            StreamFailure("error reading standard input");
+            NEX_RAISE(nex_TextException, atr_String("error reading standard input"));
         return;
     }
     utl_File file(path.c_str(), utl_FileAccessRead);

@@ -15,9 +15,8 @@ namespace {
 // one whose table is damaged is a failed check (1).
 int StatusOfOpenFailure(const nex_Exception& e)
 {
-    const std::string text = e.AsString().c_str();
     if (dynamic_cast<const utl_FileExceptionOpen*>(&e) || dynamic_cast<const utl_FileExceptionNoFile*>(&e) ||
-        text.find("Invalid file type") != std::string::npos || text.find("Unsupported file format") != std::string::npos)
+        dynamic_cast<const utl_MultisectionFormatException*>(&e))
         return zulutil_BadUsage;
     return zulutil_CheckFailed;
 }

@@ -6,18 +6,6 @@ namespace {
 
 const int32_t kEndMark = -1;
 
-[[noreturn]] void ThrowUnknownClass(const atr_String& text, int line)
-{
-    cls_UnknownClassException failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
-[[noreturn]] void ThrowBadData(const atr_String& text, int line)
-{
-    cls_BadDataException failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
 const char* ClassName(const cls_ClassMetadata* metadata)
 {
     return metadata ? metadata->GetName().c_str() : "";
@@ -36,7 +24,8 @@ cls_BinWriteVisitor::cls_BinWriteVisitor(utl_BinOStream& stream, const cls_Class
 void cls_BinWriteVisitor::WriteObject(unsigned classId, const void* object) const
 {
     if (!m_Registrar.ClassIsPresent(classId))
-        ThrowUnknownClass(atr_translate("Persistent class %u is not registered").Arg(classId).Result(), __LINE__);
+        NEX_RAISE(cls_UnknownClassException,
+                  atr_translate("Persistent class %u is not registered").Arg(classId).Result());
     const cls_ClassMetadata& metadata = m_Registrar.ConstGet(classId);
     m_Stream.WriteUInt(classId);
     m_Stream.WriteInt(metadata.GetVersion());
@@ -103,12 +92,11 @@ void* cls_BinReadVisitor::ReadObject() const
     const int version = m_Stream.ReadInt();
     const cls_ClassMetadata& metadata = m_Registrar.GetClassMetadata(classId, version);
     if (metadata.GetClassID() != classId || metadata.GetVersion() != version)
-        ThrowUnknownClass(
-            atr_translate("Persistent class %u version %d is not registered").Arg(classId).Arg(version).Result(),
-            __LINE__);
+        NEX_RAISE(cls_UnknownClassException,
+                  atr_translate("Persistent class %u version %d is not registered").Arg(classId).Arg(version).Result());
     if (!metadata.GetCtor())
-        ThrowUnknownClass(atr_translate("Persistent class %s cannot be built").Arg(metadata.GetName()).Result(),
-                          __LINE__);
+        NEX_RAISE(cls_UnknownClassException,
+                  atr_translate("Persistent class %s cannot be built").Arg(metadata.GetName()).Result());
 
     // The fields read from here on belong to this object; a nested read restores the outer one.
     struct Scope {
@@ -135,10 +123,9 @@ void* cls_BinReadVisitor::ReadObject() const
     }
     if (end != kEndMark) {
         metadata.Delete(object);
-        ThrowBadData(atr_translate("Persistent data of class %s continues after its last field")
-                         .Arg(metadata.GetName())
-                         .Result(),
-                     __LINE__);
+        NEX_RAISE(cls_BadDataException, atr_translate("Persistent data of class %s continues after its last field")
+                                            .Arg(metadata.GetName())
+                                            .Result());
     }
     return object;
 }
@@ -147,22 +134,22 @@ void cls_BinReadVisitor::ExpectField(const cls_FieldHandle& field, cls_Attribute
 {
     const int32_t id = m_Stream.ReadInt();
     if (id != field.Id())
-        ThrowBadData(atr_translate("Persistent data of class %s: field %s (id %d) expected, field id %d found")
-                         .Arg(ClassName(m_Class))
-                         .Arg(field.Name())
-                         .Arg(static_cast<int>(field.Id()))
-                         .Arg(static_cast<int>(id))
-                         .Result(),
-                     __LINE__);
+        NEX_RAISE(cls_BadDataException,
+                  atr_translate("Persistent data of class %s: field %s (id %d) expected, field id %d found")
+                      .Arg(ClassName(m_Class))
+                      .Arg(field.Name())
+                      .Arg(static_cast<int>(field.Id()))
+                      .Arg(static_cast<int>(id))
+                      .Result());
     const int kind = m_Stream.ReadUchar();
     if (kind != type)
-        ThrowBadData(atr_translate("Persistent data of class %s: field %s holds value kind %d, not %d")
-                         .Arg(ClassName(m_Class))
-                         .Arg(field.Name())
-                         .Arg(kind)
-                         .Arg(static_cast<int>(type))
-                         .Result(),
-                     __LINE__);
+        NEX_RAISE(cls_BadDataException,
+                  atr_translate("Persistent data of class %s: field %s holds value kind %d, not %d")
+                      .Arg(ClassName(m_Class))
+                      .Arg(field.Name())
+                      .Arg(kind)
+                      .Arg(static_cast<int>(type))
+                      .Result());
 }
 
 int32_t cls_BinReadVisitor::ReadInt(const cls_FieldHandle& field) const

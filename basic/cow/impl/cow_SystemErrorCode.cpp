@@ -1,5 +1,5 @@
 #include "cow/cow_SystemErrorCode.h"
-#include "cow/impl/cow_SystemMessageText.h"
+#include "sys/impl/sys_Os.h"
 
 #include <cstdlib>
 #include <cstring>
@@ -76,5 +76,5 @@ cow_String cow_SystemErrorCode::GetText() const
                                    sizeof(SocketError), &CompareCode);
     if (row)
         return cow_String(static_cast<const SocketError*>(row)->text);
-    return cow_SystemMessageText(m_code);
+    return sys_ErrorText(m_code);
 }

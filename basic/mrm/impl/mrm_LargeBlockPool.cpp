@@ -6,10 +6,9 @@
 
 namespace {
 
-[[noreturn]] void ThrowBlockError(const char* what, mrm_MemBlockID id, int line)
+atr_String BlockErrorText(const char* what, mrm_MemBlockID id)
 {
-    mrm_Exception failure(atr_translate("Memory manager: %1$s (block %2$s)").Arg(what).Arg(atr_String(unsigned(id))).Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("Memory manager: %1$s (block %2$s)").Arg(what).Arg(atr_String(unsigned(id))).Result();
 }
 
 }  // namespace
@@ -52,7 +51,7 @@ void mrm_LargeBlockPool::CountDeclared(const mrm_BlockRecord& r, int delta) cons
 mrm_MemBlockID mrm_LargeBlockPool::Declare(int size)
 {
     if (size < 0 || size > MaxBlockSize)
-        ThrowBlockError("block size out of range", mrm_MemBlockID(size), __LINE__);
+        NEX_RAISE(mrm_Exception, BlockErrorText("block size out of range", mrm_MemBlockID(size)));
     const mrm_BlockRecord* r = m_table->Declare(this, RoundToBlock(size));
     CountDeclared(*r, 1);
     return r->id;
@@ -160,19 +159,19 @@ int mrm_LargeBlockPool::GetSize(mrm_MemBlockID id) const
 {
     const mrm_BlockRecord* r = m_table->Find(id);
     if (!r)
-        ThrowBlockError("unknown block", id, __LINE__);
+        NEX_RAISE(mrm_Exception, BlockErrorText("unknown block", id));
     return r->size;
 }
 
 bool mrm_LargeBlockPool::TransferMemory(mrm_MemBlockID id, mrm_LargeBlockPool& from, mrm_LargeBlockPool& to)
 {
     if (from.m_table != to.m_table)
-        ThrowBlockError("pools of different block tables", id, __LINE__);
+        NEX_RAISE(mrm_Exception, BlockErrorText("pools of different block tables", id));
     mrm_BlockRecord* r = from.m_table->FindRecord(id);
     if (!r)
-        ThrowBlockError("unknown block", id, __LINE__);
+        NEX_RAISE(mrm_Exception, BlockErrorText("unknown block", id));
     if (r->pool != &from)
-        ThrowBlockError("block not charged to the pool it is moved from", id, __LINE__);
+        NEX_RAISE(mrm_Exception, BlockErrorText("block not charged to the pool it is moved from", id));
     if (r->pinned) {
         from.m_tally.CountPinned(r->size, mrm_ReleaseTypeNone, -1);
         to.m_tally.CountPinned(r->size, mrm_ReleaseTypeNone, +1);

@@ -5,17 +5,15 @@
 
 namespace {
 
-[[noreturn]] void ThrowPoolError(const char* what, const mrm_Label& label, int line)
+atr_String PoolErrorText(const char* what, const mrm_Label& label)
 {
-    mrm_Exception failure(atr_translate("Memory manager: %1$s (%2$s)").Arg(what).Arg(label.GetName().AsAtrString()).Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("Memory manager: %1$s (%2$s)").Arg(what).Arg(label.GetName().AsAtrString()).Result();
 }
 
 // For a pool pointer that is not ours: it may be dangling, so nothing of it is read.
-[[noreturn]] void ThrowUnknownPool(const char* what, int line)
+atr_String UnknownPoolText(const char* what)
 {
-    mrm_Exception failure(atr_translate("Memory manager: %1$s").Arg(what).Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("Memory manager: %1$s").Arg(what).Result();
 }
 
 template <class T>
@@ -95,7 +93,7 @@ bool mrm_Manager::FindDefinition(const mrm_Label& label, mrm_Capacity& capacity)
 mrm_LargeBlockPool* mrm_Manager::StartLargeBlockPool(const mrm_Label& label, const mrm_Capacity& capacity)
 {
     if (FindLargeBlockPool(label))
-        ThrowPoolError("a large-block pool of this label is active", label, __LINE__);
+        NEX_RAISE(mrm_Exception, PoolErrorText("a large-block pool of this label is active", label));
     mrm_LargeBlockPool* pool = new mrm_LargeBlockPool(m_table, label, capacity, m_nextAltNumber);
     try {
         m_largePools.Append(pool);
@@ -122,10 +120,10 @@ void mrm_Manager::ShutdownLargeBlockPool(mrm_LargeBlockPool* pool)
     if (!pool)
         return;
     if (!Holds(pool))
-        ThrowUnknownPool("not an active large-block pool", __LINE__);
+        NEX_RAISE(mrm_Exception, UnknownPoolText("not an active large-block pool"));
     for (int i = 0; i < m_pools.Count(); ++i)
         if (&m_pools[i]->ConstGetProvider() == pool)
-            ThrowPoolError("the pool still provides for a small-block pool", pool->GetLabel(), __LINE__);
+            NEX_RAISE(mrm_Exception, PoolErrorText("the pool still provides for a small-block pool", pool->GetLabel()));
     if (pool == m_default)
         m_default = nullptr;
     else
@@ -137,9 +135,9 @@ mrm_Pool* mrm_Manager::StartPool(const mrm_Label& label, mrm_LargeBlockPool& pro
                                  const mrm_SmallBlockCapacity& capacity)
 {
     if (!Holds(&provider))
-        ThrowUnknownPool("the provider is not an active large-block pool", __LINE__);
+        NEX_RAISE(mrm_Exception, UnknownPoolText("the provider is not an active large-block pool"));
     if (FindPool(label))
-        ThrowPoolError("a small-block pool of this label is active", label, __LINE__);
+        NEX_RAISE(mrm_Exception, PoolErrorText("a small-block pool of this label is active", label));
     mrm_Pool* pool = new mrm_Pool(provider, label, capacity);
     try {
         m_pools.Append(pool);
@@ -164,7 +162,7 @@ void mrm_Manager::ShutdownPool(mrm_Pool* pool)
         return;
     const int i = IndexOf(m_pools, pool);
     if (i < 0)
-        ThrowUnknownPool("not an active small-block pool", __LINE__);
+        NEX_RAISE(mrm_Exception, UnknownPoolText("not an active small-block pool"));
     m_pools.Remove(i);
     delete pool;
 }
@@ -204,7 +202,7 @@ mrm_Pool* mrm_PoolFactory::SpotStartup(const mrm_Label& label, const mrm_Label& 
 {
     mrm_LargeBlockPool* provider = mrm_LargeBlockPoolFactory::GetPool(providerLabel);
     if (!provider)
-        ThrowPoolError("no large-block pool to provide for", providerLabel, __LINE__);
+        NEX_RAISE(mrm_Exception, PoolErrorText("no large-block pool to provide for", providerLabel));
     return mrm_Manager::Instance().StartPool(label, *provider, capacity);
 }
 
@@ -215,10 +213,8 @@ void mrm_PoolFactory::Shutdown(mrm_Pool* pool)
 
 void mrm_Manager::RegisterLabelPrinter(int kind, mrm_LabelPrinter printer)
 {
-    if (kind < 0 || kind >= kLabelKinds) {
-        mrm_Exception failure(atr_translate("mrm_Manager: no label kind %d").Arg(kind).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (kind < 0 || kind >= kLabelKinds)
+        NEX_RAISE(mrm_Exception, atr_translate("mrm_Manager: no label kind %d").Arg(kind).Result());
     m_printers[kind] = printer;
 }
 

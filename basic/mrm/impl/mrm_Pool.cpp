@@ -9,10 +9,9 @@
 
 namespace {
 
-[[noreturn]] void ThrowPoolError(const char* what, int64_t value, int line)
+atr_String PoolErrorText(const char* what, int64_t value)
 {
-    mrm_Exception failure(atr_translate("Memory manager: %1$s (%2$s)").Arg(what).Arg(atr_String(double(value))).Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("Memory manager: %1$s (%2$s)").Arg(what).Arg(atr_String(double(value))).Result();
 }
 
 }  // namespace
@@ -32,7 +31,7 @@ mrm_Pool::~mrm_Pool()
 void* mrm_Pool::Alloc(int64_t size)
 {
     if (size < 0 || size > int64_t(INT32_MAX) - HeaderSize)
-        ThrowPoolError("allocation size out of range", size, __LINE__);
+        NEX_RAISE(mrm_Exception, PoolErrorText("allocation size out of range", size));
 
     // What the reserve must cover once this block is out, in whole 64 KiB steps.
     const double out = m_outToClient + double(size);
@@ -46,7 +45,7 @@ void* mrm_Pool::Alloc(int64_t size)
     if (grow > 0.0) {
         const double reserveSize = hasReserve ? double(m_provider->GetSize(m_reserveId)) : 0.0;
         if (reserveSize + grow > double(mrm_LargeBlockPool::MaxBlockSize))
-            ThrowPoolError("reserve beyond the largest block", int64_t(reserveSize + grow), __LINE__);
+            NEX_RAISE(mrm_Exception, PoolErrorText("reserve beyond the largest block", int64_t(reserveSize + grow)));
     }
 
     char* raw = static_cast<char*>(mem_OperatorNewThrowBuiltin(static_cast<size_t>(size) + HeaderSize));

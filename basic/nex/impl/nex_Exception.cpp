@@ -51,16 +51,24 @@ void nex_Exception::Throw(const char* file, int line)
     std::terminate();  // Propagate always throws
 }
 
-nex_TextException::nex_TextException(const atr_String& message) : m_Value(message) {}
-nex_TextException::nex_TextException(const cls_ReadVisitor& reader)
-    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
-{
-}
-void nex_TextException::DBWrite(const cls_WriteVisitor& writer) const
-{
-    nex_Exception::DBWrite(writer);
-    writer.WriteString(nex_fields::Value, m_Value);
-}
+// The members that NEX_MESSAGE_FIELD declares, but for AsString.
+#define NEX_MESSAGE_FIELD_MEMBERS(Class)                                                         \
+    Class::Class(const atr_String& text) : m_Value(text) {}                                      \
+    Class::Class(const cls_ReadVisitor& reader)                                                  \
+        : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))                   \
+    {                                                                                            \
+    }                                                                                            \
+    void Class::DBWrite(const cls_WriteVisitor& writer) const                                    \
+    {                                                                                            \
+        nex_Exception::DBWrite(writer);                                                          \
+        writer.WriteString(nex_fields::Value, m_Value);                                          \
+    }
+
+NEX_MESSAGE_FIELD_MEMBERS(nex_TextException)
+NEX_MESSAGE_FIELD_MEMBERS(nex_AssertException)
+NEX_MESSAGE_FIELD_MEMBERS(nex_BadCastException)
+NEX_MESSAGE_FIELD_MEMBERS(nex_InvalidObjException)
+
 nex_TextException::nex_TextException(const char* message) : m_Value(message) {}
 atr_String nex_TextException::AsString() const
 {
@@ -74,32 +82,12 @@ atr_String nex_CommandException::AsString() const
     return text;
 }
 
-nex_AssertException::nex_AssertException(const atr_String& condition) : m_Value(condition) {}
-nex_AssertException::nex_AssertException(const cls_ReadVisitor& reader)
-    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
-{
-}
-void nex_AssertException::DBWrite(const cls_WriteVisitor& writer) const
-{
-    nex_Exception::DBWrite(writer);
-    writer.WriteString(nex_fields::Value, m_Value);
-}
 nex_AssertException::nex_AssertException(const char* condition) : m_Value(condition) {}
 atr_String nex_AssertException::AsString() const
 {
     return atr_translate("%s").Arg(m_Value).Result();
 }
 
-nex_BadCastException::nex_BadCastException(const atr_String& message) : m_Value(message) {}
-nex_BadCastException::nex_BadCastException(const cls_ReadVisitor& reader)
-    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
-{
-}
-void nex_BadCastException::DBWrite(const cls_WriteVisitor& writer) const
-{
-    nex_Exception::DBWrite(writer);
-    writer.WriteString(nex_fields::Value, m_Value);
-}
 atr_String nex_BadCastException::AsString() const
 {
     return m_Value;
@@ -126,16 +114,6 @@ atr_String nex_ExitException::AsString() const
     return text;
 }
 
-nex_InvalidObjException::nex_InvalidObjException(const atr_String& message) : m_Value(message) {}
-nex_InvalidObjException::nex_InvalidObjException(const cls_ReadVisitor& reader)
-    : nex_Exception(reader), m_Value(reader.ReadString(nex_fields::Value))
-{
-}
-void nex_InvalidObjException::DBWrite(const cls_WriteVisitor& writer) const
-{
-    nex_Exception::DBWrite(writer);
-    writer.WriteString(nex_fields::Value, m_Value);
-}
 atr_String nex_InvalidObjException::AsString() const
 {
     return m_Value;

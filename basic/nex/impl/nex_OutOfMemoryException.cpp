@@ -51,10 +51,8 @@ nex_OutOfMemoryException::nex_OutOfMemoryException(const cls_ReadVisitor& reader
     : nex_Exception(reader), m_Msg(reader.ReadString(nex_fields::Msg)), m_Err(nex_OutOfMemoryUnknown)
 {
     const int32_t reason = reader.ReadInt(nex_fields::Err);
-    if (reason < nex_OutOfMemoryUnknown || reason > nex_OutOfMemoryLimit) {
-        cls_BadDataException failure(atr_translate("Out-of-memory reason %d is not known").Arg(reason).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (reason < nex_OutOfMemoryUnknown || reason > nex_OutOfMemoryLimit)
+        NEX_RAISE(cls_BadDataException, atr_translate("Out-of-memory reason %d is not known").Arg(reason).Result());
     m_Err = static_cast<nex_OutOfMemoryErrEnm>(reason);
     m_Uid = reader.ReadUid(nex_fields::Uid);
 }
@@ -116,8 +114,7 @@ void nex_ThrowOutOfMemory(size_t)
         throw std::bad_alloc();
     t_throwing = true;
     try {
-        nex_OutOfMemoryException failure(nex_OutOfMemoryAllocation);
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+        NEX_RAISE(nex_OutOfMemoryException, nex_OutOfMemoryAllocation);
     } catch (...) {
         t_throwing = false;
         throw;

@@ -118,7 +118,5 @@ bool nex_canDynamicCastRef(unsigned target, unsigned actual, const char* file, i
                                 .Arg(typ_ArchCompTable::GetName(actual))
                                 .Arg(typ_ArchCompTable::GetName(target))
                                 .Result();
-    nex_BadCastException failure(text);
-    failure.Throw(file, line);
-    return false;
+    nex_Raise<nex_BadCastException>(file, line, text);
 }

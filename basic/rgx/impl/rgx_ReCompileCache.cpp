@@ -80,11 +80,10 @@ rgx_ReCompileCache::Holder rgx_ReCompileCache::Compile(const cow_String& pattern
         PCRE2_UCHAR message[256];
         if (pcre2_get_error_message(error, message, sizeof message) < 0)
             message[0] = 0;
-        nex_TextException failure(atr_translate("rgx_match: error in regex at offset %s: %s")
-                                      .Arg(atr_String(static_cast<unsigned>(offset)))
-                                      .Arg(reinterpret_cast<const char*>(message))
-                                      .Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+        NEX_RAISE(nex_TextException, atr_translate("rgx_match: error in regex at offset %s: %s")
+                                         .Arg(atr_String(static_cast<unsigned>(offset)))
+                                         .Arg(reinterpret_cast<const char*>(message))
+                                         .Result());
     }
     // A pattern the JIT cannot take (or a system that refuses executable memory) is still run by
     // the interpreter, with the same results.

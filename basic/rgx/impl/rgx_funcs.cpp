@@ -30,10 +30,8 @@ int Exec(const Holder& re, rgx_ReCompileCache& cache, const char* text, int leng
                          PCRE2_NO_JIT, data, cache.MatchContext());
     if (rc == PCRE2_ERROR_NOMATCH)
         return 0;
-    if (rc < 0) {
-        nex_TextException failure(atr_translate("rgx_match: exec error: %s").Arg(atr_String(rc)).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (rc < 0)
+        NEX_RAISE(nex_TextException, atr_translate("rgx_match: exec error: %s").Arg(atr_String(rc)).Result());
     const int pairs = rc == 0 ? rgx_ReIterator::kMaxPairs : rc;
     const PCRE2_SIZE* vector = pcre2_get_ovector_pointer(data);
     for (int i = 0; i < 2 * pairs; ++i)

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <limits.h>
 #include <time.h>
 #include <unistd.h>
 
@@ -143,4 +144,61 @@ bool sys_ProcessRuns(uint32_t processId, const char* startTime)
     if (*bootId && *nowBootId && std::strcmp(bootId, nowBootId) != 0)
         return false;  // written before the last restart
     return ticks == nowTicks;
+}
+
+bool sys_CurrentDirectory(cow_String& directory, uint32_t& error)
+{
+    char buffer[PATH_MAX];
+    if (!::getcwd(buffer, sizeof(buffer))) {
+        error = static_cast<uint32_t>(errno);
+        return false;
+    }
+    directory = cow_String(buffer);
+    return true;
+}
+
+bool sys_CreateExclusive(const char* path, const char* contents, int length, uint32_t& error)
+{
+    const int fd = ::open(path, O_CREAT | O_EXCL | O_WRONLY | O_CLOEXEC, 0644);
+    if (fd <= 0) {
+        error = fd < 0 ? static_cast<uint32_t>(errno) : EBADF;
+        if (fd == 0)
+            ::close(fd);
+        return false;
+    }
+    for (int done = 0; done < length;) {
+        const ssize_t n = ::write(fd, contents + done, static_cast<size_t>(length - done));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            break;
+        done += static_cast<int>(n);
+    }
+    ::close(fd);
+    return true;
+}
+
+bool sys_RemoveFile(const char* path, uint32_t& error)
+{
+    if (::unlink(path) == 0)
+        return true;
+    error = static_cast<uint32_t>(errno);
+    return false;
+}
+
+cow_String sys_ErrorText(uint32_t code)
+{
+    return cow_String(std::strerror(static_cast<int>(code)));
+}
+
+bool sys_HostName(cow_String& name, uint32_t& error)
+{
+    char buffer[257];
+    if (::gethostname(buffer, 256) != 0) {
+        error = static_cast<uint32_t>(errno);
+        return false;
+    }
+    buffer[256] = '\0';
+    name = cow_String(buffer);
+    return true;
 }

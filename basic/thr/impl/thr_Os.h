@@ -6,6 +6,8 @@
 
 #include <cstddef>
 
+#include "mem/mem_Memory.h"
+
 namespace thr_os {
 
 // Bytes reserved inside thr_Mutex for the platform's lock object.
@@ -15,11 +17,11 @@ constexpr std::size_t kMutexBytes = 48;
 void MutexInit(void* storage);
 void MutexDestroy(void* storage);
 void MutexLock(void* storage);
-bool MutexTryLock(void* storage);
+[[nodiscard]] bool MutexTryLock(void* storage);
 void MutexUnlock(void* storage);
 
 // A manual-reset event: once set it stays set, releasing every waiter, until reset.
-void* EventCreate();
+[[nodiscard]] void* EventCreate();
 void EventDestroy(void* event);
 void EventSet(void* event);
 void EventReset(void* event);
@@ -30,8 +32,21 @@ bool EventWait(void* event, long milliseconds);
 typedef void* Thread;
 typedef unsigned (*ThreadEntry)(void* argument);
 
+// A record from the memory layer that holds what a new thread runs (members `entry` and
+// `argument`); the platform part keeps its own fields beside them. Null when there is no memory.
+template <class Record>
+Record* NewThreadRecord(ThreadEntry entry, void* argument)
+{
+    Record* record = static_cast<Record*>(mem_Malloc(sizeof(Record)));
+    if (record) {
+        record->entry = entry;
+        record->argument = argument;
+    }
+    return record;
+}
+
 // Starts a thread with the default stack size; null when the system refuses.
-Thread ThreadStart(ThreadEntry entry, void* argument);
+[[nodiscard]] Thread ThreadStart(ThreadEntry entry, void* argument);
 // Waits up to `milliseconds` for the thread to end (negative: without limit); true when it has.
 bool ThreadWait(Thread thread, long milliseconds);
 // Releases the handle; a thread still running goes on, detached.

@@ -128,11 +128,9 @@ void* Trampoline(void* p)
 
 Thread ThreadStart(ThreadEntry entry, void* argument)
 {
-    ThreadRecord* r = static_cast<ThreadRecord*>(mem_Malloc(sizeof(ThreadRecord)));
+    ThreadRecord* r = NewThreadRecord<ThreadRecord>(entry, argument);
     if (!r)
         return nullptr;
-    r->entry = entry;
-    r->argument = argument;
     r->joined = false;
     if (pthread_create(&r->id, nullptr, &Trampoline, r) != 0) {
         mem_Free(r);

@@ -54,11 +54,9 @@ unsigned __stdcall Trampoline(void* p)
 
 Thread ThreadStart(ThreadEntry entry, void* argument)
 {
-    ThreadRecord* r = static_cast<ThreadRecord*>(mem_Malloc(sizeof(ThreadRecord)));
+    ThreadRecord* r = NewThreadRecord<ThreadRecord>(entry, argument);
     if (!r)
         return nullptr;
-    r->entry = entry;
-    r->argument = argument;
     const uintptr_t h = _beginthreadex(nullptr, 0, &Trampoline, r, 0, nullptr);
     if (h == 0) {
         mem_Free(r);

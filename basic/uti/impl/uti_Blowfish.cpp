@@ -13,12 +13,6 @@ const char kByteOrderText[] = "Blowfish requires the input to be a multiple of 8
 const char kEncryptText[] = "Blowfish encryption requires the input to be a multiple of 8 bytes (64 bits).";
 const char kDecryptText[] = "Blowfish decryption requires the input to be a multiple of 8 bytes (64 bits).";
 
-[[noreturn]] void RaiseLength(const char* text, int line)
-{
-    nex_TextException failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
 inline bool WholeBlocks(int byteCount) { return byteCount >= 0 && byteCount % 8 == 0; }
 
 inline uint32_t LoadBE(const unsigned char* p)
@@ -134,7 +128,7 @@ void uti_Blowfish::DecryptBlock(uint32_t& left, uint32_t& right) const
 void uti_Blowfish::EncryptDWords(DWord* blocks, int byteCount)
 {
     if (!WholeBlocks(byteCount))
-        RaiseLength(kEncryptText, __LINE__);
+        NEX_RAISE(nex_TextException, kEncryptText);
     for (int i = 0, n = byteCount / 8; i < n; ++i)
         EncryptBlock(blocks[i].m_Left, blocks[i].m_Right);
 }
@@ -142,7 +136,7 @@ void uti_Blowfish::EncryptDWords(DWord* blocks, int byteCount)
 void uti_Blowfish::DecryptDWords(DWord* blocks, int byteCount)
 {
     if (!WholeBlocks(byteCount))
-        RaiseLength(kDecryptText, __LINE__);
+        NEX_RAISE(nex_TextException, kDecryptText);
     for (int i = 0, n = byteCount / 8; i < n; ++i)
         DecryptBlock(blocks[i].m_Left, blocks[i].m_Right);
 }
@@ -160,7 +154,7 @@ cow_String uti_Blowfish::Decrypt(cow_String cipher) { return Process(cipher, cip
 cow_String uti_Blowfish::Process(const cow_String& text, int paddedLength, bool encrypt) const
 {
     if (!WholeBlocks(paddedLength))
-        RaiseLength(kByteOrderText, __LINE__);
+        NEX_RAISE(nex_TextException, kByteOrderText);
     if (paddedLength == 0)
         return cow_String();
     const size_t size = static_cast<size_t>(paddedLength);

@@ -11,10 +11,9 @@
 
 namespace {
 
-[[noreturn]] void ThrowBadArgument(const char* what, int value, int line)
+atr_String BadArgumentText(const char* what, int value)
 {
-    uti_CoordException failure(atr_translate("Coordinate container: %1$s (%2$s)").Arg(what).Arg(atr_String(value)).Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("Coordinate container: %1$s (%2$s)").Arg(what).Arg(atr_String(value)).Result();
 }
 
 // A zero-filled array of n floats from the memory layer.
@@ -93,9 +92,9 @@ void uti_CoordCont3D::DropArray()
 void uti_CoordCont3D::SetCArray(float* array, int count, int dimension)
 {
     if (count < 0)
-        ThrowBadArgument("negative float count", count, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("negative float count", count));
     if (!array && count > 0)
-        ThrowBadArgument("null array", count, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("null array", count));
     if (dimension == 2) {
         cow_1DArrayList<uti_Coord3D> points;
         const int n = count / 2;
@@ -173,7 +172,7 @@ bool uti_CoordCont3D::GetCoord(int i, float& x, float& y) const
 uti_Coord3D uti_CoordCont3D::operator[](int i) const
 {
     if (!Valid(i))
-        ThrowBadArgument("index out of range", i, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("index out of range", i));
     return At(i);
 }
 
@@ -267,9 +266,9 @@ void uti_CoordCont3D::Append(float x, float y)
 void uti_CoordCont3D::AppendFlat(const float* array, int count, int dimension)
 {
     if (count < 0)
-        ThrowBadArgument("negative float count", count, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("negative float count", count));
     if (!array && count > 0)
-        ThrowBadArgument("null array", count, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("null array", count));
     if (dimension == 2) {
         AppendPoints(count / 2, [array](int k, float& x, float& y, float& z) {
             x = array[2 * k];
@@ -288,7 +287,7 @@ void uti_CoordCont3D::AppendFlat(const float* array, int count, int dimension)
 int uti_CoordCont3D::CountOf(int n, int dimension)
 {
     if (n < 0 || n > INT32_MAX / dimension)
-        ThrowBadArgument("bad point count", n, __LINE__);
+        NEX_RAISE(uti_CoordException, BadArgumentText("bad point count", n));
     return n * dimension;
 }
 
@@ -425,10 +424,8 @@ bool uti_CoordCont3D::operator==(const uti_CoordCont3D& other) const
 uti_CoordCont3D::uti_CoordCont3D(const cls_ReadVisitor& reader) : uti_CoordCont3D()
 {
     const int32_t n = reader.ReadInt(uti_fields::NumCoords);
-    if (n < 0) {
-        cls_BadDataException failure(atr_translate("uti_CoordCont3D: negative number of points %d").Arg(n));
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (n < 0)
+        NEX_RAISE(cls_BadDataException, atr_translate("uti_CoordCont3D: negative number of points %d").Arg(n));
     for (int32_t i = 0; i < n; ++i) {
         const float x = reader.ReadFloat(uti_fields::Coords);
         const float y = reader.ReadFloat(uti_fields::Coords);

@@ -18,12 +18,6 @@ const char* const kTexts[] = {
     "%s: Directory permission denied",
 };
 
-[[noreturn]] void Fail(int reason, const cow_String& path)
-{
-    uti_PreCheckFileException failure(reason, path);
-    failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-}
-
 utl_FilePath PortablePath(const cow_String& name)
 {
     utl_FilePath path(name, cow_String());
@@ -74,12 +68,12 @@ atr_String uti_PreCheckFileException::TextFor(int reason, const cow_String& path
 cow_String uti_PreCheckFile(const cow_String& name, uti_AccessModeEnm mode, const cow_String& defaultExtension)
 {
     if (name.IsEmpty())
-        Fail(uti_PreCheckFileException::EmptyName, name);
+        NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::EmptyName, name);
 
     utl_FilePath file = PortablePath(name);
     const cow_String directory = file.AbsoluteDirectoryPath();
     if (file.IsDir())
-        Fail(uti_PreCheckFileException::IsDirectory, file.AbsolutePathName());
+        NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::IsDirectory, file.AbsolutePathName());
     if (file.Extension().IsEmpty()) {
         cow_String withExtension(directory);
         withExtension += file.FileName();
@@ -87,33 +81,33 @@ cow_String uti_PreCheckFile(const cow_String& name, uti_AccessModeEnm mode, cons
         file = PortablePath(withExtension);
     }
     if (!PortablePath(directory).IsDir())
-        Fail(uti_PreCheckFileException::DirectoryNotFound, directory);
+        NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::DirectoryNotFound, directory);
 
     const cow_String path = file.AbsolutePathName();
     const bool exists = file.Exists();
     switch (mode) {
     case uti_ReadMode:
         if (!exists)
-            Fail(uti_PreCheckFileException::FileNotFound, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::FileNotFound, path);
         if (!file.IsReadable())
-            Fail(uti_PreCheckFileException::NotReadable, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::NotReadable, path);
         break;
     case uti_ReadWriteMode:
         if (!exists)
-            Fail(uti_PreCheckFileException::FileNotFound, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::FileNotFound, path);
         if (!file.IsWriteable())
-            Fail(uti_PreCheckFileException::NotWriteable, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::NotWriteable, path);
         if (!file.IsReadable())
-            Fail(uti_PreCheckFileException::NotReadable, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::NotReadable, path);
         break;
     case uti_WriteMode:
         if (!exists) {
             if (HasInvalidCharacter(file.FileName()))
-                Fail(uti_PreCheckFileException::InvalidName, path);
+                NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::InvalidName, path);
             if (!file.IsWriteable())
-                Fail(uti_PreCheckFileException::DirectoryNotWriteable, directory);
+                NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::DirectoryNotWriteable, directory);
         } else if (!file.IsWriteable()) {
-            Fail(uti_PreCheckFileException::NotWriteable, path);
+            NEX_RAISE(uti_PreCheckFileException, uti_PreCheckFileException::NotWriteable, path);
         }
         break;
     }

@@ -50,10 +50,8 @@ uti_MD5& uti_MD5::Reset()
 
 void uti_MD5::CheckOpen() const
 {
-    if (!m_Digest.IsEmpty()) {
-        nex_AssertException failure("m_Digest.Empty()");
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (!m_Digest.IsEmpty())
+        NEX_RAISE(nex_AssertException, "m_Digest.Empty()");
 }
 
 uti_MD5& uti_MD5::Append(const char* data, int length)

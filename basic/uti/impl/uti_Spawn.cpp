@@ -6,7 +6,6 @@
 
 #include "aio/aio_ostream.h"
 #include "atr/atr_translate.h"
-#include "cow/cow_SystemErrorCode.h"
 #include "mem/mem_Memory.h"
 #include "pnt/pnt_DebugMarks.h"
 #include "typ/typ_DebugFlags.h"
@@ -22,19 +21,6 @@ const int kDetachedStatus = 86;
 int TraceLevel()
 {
     return typ_DebugFlags::GetDebugFlags(kUtiFacility);
-}
-
-template <class E, class A>
-[[noreturn]] void Raise(const A& argument, int line)
-{
-    E failure(argument);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
-[[noreturn]] void RaiseIOError(const char* call, const uti_Spawn* spawn, int error, int line)
-{
-    uti_IOErrorException failure(call, spawn, error);
-    failure.Throw(ZUL_SOURCE_NAME, line);
 }
 
 bool NeedsQuotes(const cow_String& s)
@@ -131,56 +117,6 @@ void uti_SpawnTraceRedirection(int stream, intptr_t handle)
         .print_longlong(static_cast<long long>(handle)).print("\n");
 }
 
-// --- exceptions ---
-
-uti_IOErrorException::uti_IOErrorException(const char* call, const uti_Spawn* spawn, int error)
-    : m_call(call), m_spawn(spawn), m_error(error)
-{
-}
-
-atr_String uti_IOErrorException::JournalMessage() const
-{
-    return atr_translate("%1$s failed (error %2$d): %3$s")
-        .Arg(m_call)
-        .Arg(static_cast<int>(m_error))
-        .Arg(cow_SystemErrorCode(static_cast<uint32_t>(m_error)).GetText())
-        .Result();
-}
-
-atr_String uti_IOErrorException::PythonType() const
-{
-    return atr_String("IOError");
-}
-
-uti_CmdFailedException::uti_CmdFailedException(const atr_String& message) : m_message(message) {}
-
-atr_String uti_CmdFailedException::JournalMessage() const
-{
-    return m_message;
-}
-
-atr_String uti_CmdFailedException::PythonType() const
-{
-    return atr_String("CommandError");
-}
-
-uti_InterruptedException::uti_InterruptedException(const atr_String& message) : m_message(message) {}
-
-atr_String uti_InterruptedException::JournalMessage() const
-{
-    return m_message;
-}
-
-atr_String uti_InterruptedException::PythonType() const
-{
-    return atr_String("KeyboardInterrupt");
-}
-
-uti_CommandNotFoundException::uti_CommandNotFoundException(const cow_String& command)
-    : uti_CmdFailedException(atr_translate("Command not found: %1$s").Arg(command).Result()), m_command(command)
-{
-}
-
 // --- texts ---
 
 cow_String uti_Spawn::QuoteArgument(const cow_String& argument)
@@ -271,15 +207,15 @@ utl_FilePath uti_Spawn::FindCommand(cow_String command)
             const utl_FilePath candidate(name, cow_String(list, length));
             if (candidate.Exists() && !candidate.IsDir()) {
                 if (!P::IsStartable(candidate))
-                    Raise<uti_CmdFailedException>(
-                        atr_translate("Command is not executable: %1$s").Arg(candidate.AbsolutePathName()).Result(),
-                        __LINE__);
+                    NEX_RAISE(
+                        uti_CmdFailedException,
+                        atr_translate("Command is not executable: %1$s").Arg(candidate.AbsolutePathName()).Result());
                 return candidate;
             }
         }
         list = end ? end + 1 : nullptr;
     }
-    Raise<uti_CommandNotFoundException>(command, __LINE__);
+    NEX_RAISE(uti_CommandNotFoundException, command);
 }
 
 // --- starting ---
@@ -303,7 +239,7 @@ void uti_Spawn::spawn(const cow_String& command, const utl_FilePath& program, co
 {
     HandedOver handedOver(redirection);
     if (m_running)
-        Raise<uti_CmdFailedException>(atr_String("uti_Spawn: a child is still tracked"), __LINE__);
+        NEX_RAISE(uti_CmdFailedException, atr_String("uti_Spawn: a child is still tracked"));
 
     const cow_String commandLine = BuildCommandLine(command, arguments);
     const cow_String block = environment.IsEmpty() ? cow_String() : BuildEnvironmentBlock(environment);
@@ -334,12 +270,12 @@ void uti_Spawn::spawn(const cow_String& command, const utl_FilePath& program, co
     if (level >= 1)
         aio_cout().print(pnt_DebugStartMark());
     intptr_t process = P::kNoProcess;
-    int error = 0;
+    uint32_t error = 0;
     const bool started = P::Start(request, process, error);
     if (level >= 1)
         aio_cout().print(pnt_DebugEndMark()).flush();
     if (!started)
-        RaiseIOError(P::kStartCall, this, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kStartCall, this, static_cast<int>(error));
     Forget();
     m_handle = process;
     m_running = 1;
@@ -371,10 +307,11 @@ int uti_Spawn::Wait(int seconds)
 {
     if (!m_running)
         return m_status;
-    int status = 0, error = 0;
+    int status = 0;
+    uint32_t error = 0;
     switch (P::Wait(m_handle, seconds, status, error)) {
     case P::Failed:
-        RaiseIOError(P::kWaitCall, this, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, this, static_cast<int>(error));
     case P::Exited:
         Finish(status);
         break;
@@ -425,10 +362,11 @@ uti_Spawn* uti_Spawn::waitForAny(uti_Spawn** children, int count)
     intptr_t* handles = static_cast<intptr_t*>(memory.p);
     for (int i = 0; i < count; ++i)
         handles[i] = children[i]->m_handle;
-    int status = 0, error = 0;
+    int status = 0;
+    uint32_t error = 0;
     const int which = P::WaitAny(handles, count, status, error);
     if (which < 0)
-        RaiseIOError(P::kWaitCall, nullptr, error, __LINE__);
+        NEX_RAISE(uti_IOErrorException, P::kWaitCall, nullptr, static_cast<int>(error));
     uti_Spawn* child = children[which];
     if (status != P::kStillActive)
         child->Finish(status);

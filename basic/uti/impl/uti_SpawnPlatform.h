@@ -39,14 +39,14 @@ struct StartRequest {
 
 // Starts the child: true with its handle, or false with the system's error code. Leaves the
 // redirected descriptors open and the parent's standard handles as they were.
-bool Start(const StartRequest& request, intptr_t& process, int& error);
+bool Start(const StartRequest& request, intptr_t& process, uint32_t& error);
 
 enum WaitResult { Exited, Running, Failed };
 // seconds < 0: look once; 0: wait without limit; > 0: wait up to that long. On Exited the exit
 // status; on Failed the error number.
-WaitResult Wait(intptr_t process, int seconds, int& status, int& error);
+WaitResult Wait(intptr_t process, int seconds, int& status, uint32_t& error);
 // Waits until one of the processes has ended: its index and status, or -1 with the error number.
-int WaitAny(const intptr_t* processes, int count, int& status, int& error);
+int WaitAny(const intptr_t* processes, int count, int& status, uint32_t& error);
 // The status a process reports while it still runs (Windows' STILL_ACTIVE), or a value that
 // never occurs.
 extern const int kStillActive;

@@ -38,7 +38,7 @@ long long NowMilliseconds()
 }
 
 // One look at a child: 1 ended (status set), 0 running, -1 failed (error set).
-int Look(pid_t pid, int& status, int& error)
+int Look(pid_t pid, int& status, uint32_t& error)
 {
     int raw = 0;
     pid_t done;
@@ -124,7 +124,7 @@ bool IsStartable(const utl_FilePath& path)
     return path.IsExecutable() && !path.IsDir();
 }
 
-bool Start(const StartRequest& request, intptr_t& process, int& error)
+bool Start(const StartRequest& request, intptr_t& process, uint32_t& error)
 {
     posix_spawn_file_actions_t actions;
     posix_spawnattr_t attributes;
@@ -155,7 +155,7 @@ bool Start(const StartRequest& request, intptr_t& process, int& error)
     return error == 0;
 }
 
-WaitResult Wait(intptr_t process, int seconds, int& status, int& error)
+WaitResult Wait(intptr_t process, int seconds, int& status, uint32_t& error)
 {
     const pid_t pid = static_cast<pid_t>(process);
     if (seconds == 0) {
@@ -184,7 +184,7 @@ WaitResult Wait(intptr_t process, int seconds, int& status, int& error)
 }
 
 // No call waits for one of a set of children without reaping others of the process: poll them.
-int WaitAny(const intptr_t* processes, int count, int& status, int& error)
+int WaitAny(const intptr_t* processes, int count, int& status, uint32_t& error)
 {
     for (long pause = 1;; pause = NextPause(pause)) {
         for (int i = 0; i < count; ++i) {

@@ -3,9 +3,10 @@
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
-#include <direct.h>
 #include <io.h>
 #include <windows.h>
+
+#include "sys/impl/sys_Os.h"
 
 namespace uti_SpawnPlatform {
 
@@ -61,8 +62,13 @@ bool IsStartable(const utl_FilePath& path)
     return path.Exists() && !path.IsDir() && path.IsReadable() && EndsWithExe(path.FileName());
 }
 
-bool Start(const StartRequest& request, intptr_t& process, int& error)
+bool Start(const StartRequest& request, intptr_t& process, uint32_t& error)
 {
+    // With an environment block of its own the child is given the current directory by name.
+    cow_String directory;
+    uint32_t directoryError = 0;
+    const bool named = request.environmentBlock && sys_CurrentDirectory(directory, directoryError);
+
     STARTUPINFOA startup;
     ZeroMemory(&startup, sizeof(startup));
     startup.cb = sizeof(startup);
@@ -107,10 +113,7 @@ bool Start(const StartRequest& request, intptr_t& process, int& error)
     // CreateProcessA may write into the command line.
     const size_t length = std::strlen(request.commandLine);
     char* line = static_cast<char*>(std::malloc(length + 1));
-    char directory[MAX_PATH + 1];
-    const char* workingDirectory = nullptr;
-    if (request.environmentBlock && _getcwd(directory, MAX_PATH))
-        workingDirectory = directory;
+    const char* workingDirectory = named ? directory.c_str() : nullptr;
     BOOL created = FALSE;
     PROCESS_INFORMATION info;
     ZeroMemory(&info, sizeof(info));
@@ -122,7 +125,7 @@ bool Start(const StartRequest& request, intptr_t& process, int& error)
         created = CreateProcessA(nullptr, line, nullptr, nullptr, TRUE, request.window < 0 ? CREATE_NO_WINDOW : 0,
                                  const_cast<char*>(request.environmentBlock), workingDirectory, &startup, &info);
         if (!created)
-            error = static_cast<int>(GetLastError());
+            error = GetLastError();
         std::free(line);
     }
     for (int i = 0; i < 3; ++i)
@@ -135,7 +138,7 @@ bool Start(const StartRequest& request, intptr_t& process, int& error)
 }
 
 // The exit code is asked after each wait until it is no longer STILL_ACTIVE or the wait timed out.
-WaitResult Wait(intptr_t process, int seconds, int& status, int& error)
+WaitResult Wait(intptr_t process, int seconds, int& status, uint32_t& error)
 {
     const HANDLE h = AsHandle(process);
     DWORD code = STILL_ACTIVE;
@@ -160,7 +163,7 @@ WaitResult Wait(intptr_t process, int seconds, int& status, int& error)
     return Exited;
 }
 
-int WaitAny(const intptr_t* processes, int count, int& status, int& error)
+int WaitAny(const intptr_t* processes, int count, int& status, uint32_t& error)
 {
     // WaitForMultipleObjects takes at most 64 handles: larger sets are watched in turns.
     const bool single = count <= MAXIMUM_WAIT_OBJECTS;
@@ -172,13 +175,13 @@ int WaitAny(const intptr_t* processes, int count, int& status, int& error)
             if (waited == WAIT_TIMEOUT)
                 continue;
             if (waited == WAIT_FAILED || waited >= WAIT_OBJECT_0 + static_cast<DWORD>(n)) {
-                error = static_cast<int>(GetLastError());
+                error = GetLastError();
                 return -1;
             }
             const int which = from + static_cast<int>(waited - WAIT_OBJECT_0);
             DWORD code = 0;
             if (!GetExitCodeProcess(AsHandle(processes[which]), &code)) {
-                error = static_cast<int>(GetLastError());
+                error = GetLastError();
                 return -1;
             }
             status = static_cast<int>(code);

@@ -46,19 +46,12 @@ struct DecodeTables {
 };
 constexpr DecodeTables kDecode;
 
-[[noreturn]] void Reject(const char* what, size_t offset, int line)
+atr_String RejectText(const char* what, size_t offset)
 {
-    utl_Base64Exception failure(atr_translate("*** Error: Invalid base64 text: %1$s at offset %2$llu")
-                                    .Arg(what)
-                                    .Arg(static_cast<unsigned long long>(offset))
-                                    .Result());
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
-[[noreturn]] void AllocationFailed(int line)
-{
-    utl_Base64Exception failure(atr_String("memory allocation failure"));
-    failure.Throw(ZUL_SOURCE_NAME, line);
+    return atr_translate("*** Error: Invalid base64 text: %1$s at offset %2$llu")
+        .Arg(what)
+        .Arg(static_cast<unsigned long long>(offset))
+        .Result();
 }
 
 inline uint16_t Pair(uint64_t v)
@@ -165,12 +158,12 @@ void CheckLineLayout(const char* text, size_t length)
     while (lineStart < length) {
         const void* nl = std::memchr(text + lineStart, '\n', length - lineStart);
         if (!nl)
-            Reject("missing newline at the end of the text", length, __LINE__);
+            NEX_RAISE(utl_Base64Exception, RejectText("missing newline at the end of the text", length));
         const size_t end = static_cast<size_t>(static_cast<const char*>(nl) - text);
         const size_t chars = end - lineStart;
         const bool last = end + 1 == length;
         if (chars == 0 || chars > kLineChars || (!last && chars != kLineChars))
-            Reject("line of the wrong length", lineStart, __LINE__);
+            NEX_RAISE(utl_Base64Exception, RejectText("line of the wrong length", lineStart));
         lineStart = end + 1;
     }
 }
@@ -190,7 +183,7 @@ size_t utl_base64DecodeTo(const char* text, size_t length, bool lineBreaks, unsi
             break;
         if (s[at] == '\n') {
             if (!lineBreaks)
-                Reject("newline without line breaks", at, __LINE__);
+                NEX_RAISE(utl_Base64Exception, RejectText("newline without line breaks", at));
             ++at;
             continue;
         }
@@ -199,23 +192,26 @@ size_t utl_base64DecodeTo(const char* text, size_t length, bool lineBreaks, unsi
         while (bad < length && bad < at + 4 && InAlphabet(s[bad]))
             ++bad;
         if (bad == length)
-            Reject("incomplete group", at, __LINE__);
+            NEX_RAISE(utl_Base64Exception, RejectText("incomplete group", at));
         const size_t kept = bad - at;  // 2 or 3 characters, then padding to 4
         if (s[bad] != '=' || kept < 2 || kept > 3) {
-            Reject(s[bad] == '=' ? "misplaced padding" : (s[bad] == '\n' ? "newline inside a group" : "character outside the alphabet"),
-                   bad, __LINE__);
+            const char* what = s[bad] == '='
+                                   ? "misplaced padding"
+                                   : (s[bad] == '\n' ? "newline inside a group" : "character outside the alphabet");
+            NEX_RAISE(utl_Base64Exception, RejectText(what, bad));
         }
         if (kept == 2 && (length - bad < 2 || s[bad + 1] != '='))
-            Reject(length - bad < 2 ? "incomplete group" : "misplaced padding", bad + 1, __LINE__);
+            NEX_RAISE(utl_Base64Exception,
+                      RejectText(length - bad < 2 ? "incomplete group" : "misplaced padding", bad + 1));
         const uint32_t v = kDecode.at[0][s[at]] | kDecode.at[1][s[at + 1]] | (kept == 3 ? kDecode.at[2][s[at + 2]] : 0u);
         if (v & (kept == 3 ? 0xFFu : 0xFFFFu))
-            Reject("unused bits set in the last group", at, __LINE__);
+            NEX_RAISE(utl_Base64Exception, RejectText("unused bits set in the last group", at));
         *out++ = static_cast<unsigned char>(v >> 16);
         if (kept == 3)
             *out++ = static_cast<unsigned char>(v >> 8);
         for (at += 4; at < length; ++at) {
             if (s[at] != '\n' || !lineBreaks)
-                Reject("text after the padded group", at, __LINE__);
+                NEX_RAISE(utl_Base64Exception, RejectText("text after the padded group", at));
         }
         break;
     }
@@ -229,10 +225,10 @@ cow_String utl_base64Encode(cow_String& data, bool lineBreaks)
         return cow_String();
     const size_t chars = utl_base64EncodedLength(length, lineBreaks);
     if (chars > static_cast<size_t>(INT_MAX) - 64)
-        AllocationFailed(__LINE__);
+        NEX_RAISE(utl_Base64Exception, atr_String("memory allocation failure"));
     char* buffer = static_cast<char*>(mem_Malloc(chars + 1));
     if (!buffer)
-        AllocationFailed(__LINE__);
+        NEX_RAISE(utl_Base64Exception, atr_String("memory allocation failure"));
     utl_base64EncodeTo(reinterpret_cast<const unsigned char*>(data.c_str()), length, lineBreaks, buffer);
     return cow_String(buffer, static_cast<int>(chars), atr_StringBase::ADOPT);
 }
@@ -244,7 +240,7 @@ cow_String utl_base64Decode(cow_String& text, bool lineBreaks)
         return cow_String();
     unsigned char* buffer = static_cast<unsigned char*>(mem_Malloc(length / 4 * 3 + 1));
     if (!buffer)
-        AllocationFailed(__LINE__);
+        NEX_RAISE(utl_Base64Exception, atr_String("memory allocation failure"));
     size_t made = 0;
     try {
         made = utl_base64DecodeTo(text.c_str(), length, lineBreaks, buffer);

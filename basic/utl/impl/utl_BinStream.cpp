@@ -12,11 +12,9 @@ namespace {
 void SetBinary(int fd)
 {
     const int e = utl_BinStreamSetBinary(fd);
-    if (e != 0) {
-        utl_BinStreamException failure(
-            atr_translate("*** ERROR: Can't set stream to binary mode: %s").Arg(std::strerror(e)).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (e != 0)
+        NEX_RAISE(utl_BinStreamException,
+                  atr_translate("*** ERROR: Can't set stream to binary mode: %s").Arg(std::strerror(e)).Result());
 }
 
 atr_String SystemText(int e)
@@ -35,10 +33,8 @@ void utl_BinOStream::Write(const char* data, int count)
 {
     while (count > 0) {
         const int done = utl_BinStreamWriteFd(m_fd, data, count);
-        if (done < 0) {
-            utl_BinStreamWriteError failure(SystemText(errno));
-            failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-        }
+        if (done < 0)
+            NEX_RAISE(utl_BinStreamWriteError, SystemText(errno));
         data += done;
         count -= done;
     }
@@ -60,14 +56,10 @@ void utl_BinIStream::Read(char* data, int count) const
 {
     while (count > 0) {
         const int done = utl_BinStreamReadFd(m_fd, data, count);
-        if (done == 0) {
-            utl_BinStreamEOF failure(atr_String("*** ERROR: End of file on binary stream."));
-            failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-        }
-        if (done < 0) {
-            utl_BinStreamReadError failure(SystemText(errno));
-            failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-        }
+        if (done == 0)
+            NEX_RAISE(utl_BinStreamEOF, atr_String("*** ERROR: End of file on binary stream."));
+        if (done < 0)
+            NEX_RAISE(utl_BinStreamReadError, SystemText(errno));
         data += done;
         count -= done;
     }
@@ -76,11 +68,9 @@ void utl_BinIStream::Read(char* data, int count) const
 cow_String utl_BinIStream::ReadString() const
 {
     const int n = ReadInt();
-    if (n < 0) {
-        utl_BinStreamBadLength failure(
-            atr_translate("*** ERROR: Invalid string length %d on binary stream.").Arg(n).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (n < 0)
+        NEX_RAISE(utl_BinStreamBadLength,
+                  atr_translate("*** ERROR: Invalid string length %d on binary stream.").Arg(n).Result());
     char* buffer = static_cast<char*>(mem_OperatorNewThrow(static_cast<size_t>(n) + 1));
     try {
         Read(buffer, n);

@@ -118,10 +118,8 @@ bool utl_CommandLine::IsMember(const cow_String& name) const
 cow_String utl_CommandLine::Required(const cow_String& name) const
 {
     cow_String value;
-    if (!Lookup(name, value)) {
-        utl_MissingCmdLineArgException failure(name);
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (!Lookup(name, value))
+        NEX_RAISE(utl_MissingCmdLineArgException, name);
     return value;
 }
 
@@ -139,10 +137,8 @@ cow_String utl_CommandLine::ConstGetValue(const cow_String& name, const cow_Stri
 void utl_CommandLine::CheckDigits(const cow_String& name, const cow_String& value)
 {
     for (int i = 0; i < value.Length(); ++i) {
-        if (!std::isdigit(static_cast<unsigned char>(value[i]))) {
-            utl_CmdLineArgFormatException failure(name, "integer");
-            failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-        }
+        if (!std::isdigit(static_cast<unsigned char>(value[i])))
+            NEX_RAISE(utl_CmdLineArgFormatException, name, "integer");
     }
 }
 

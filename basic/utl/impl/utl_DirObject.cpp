@@ -124,11 +124,9 @@ unsigned long long utl_DiskAttributes::GetFreeDiskSpace() const
 {
     uint64_t totalFree = 0, callerFree = 0;
     uint32_t error = 0;
-    if (!utl_DirListing::FreeSpace(m_root, totalFree, callerFree, error)) {
-        nex_TextException failure(
-            atr_translate("error: %u:  could not get free space for \"%s\"\n").Arg(error).Arg(m_root).Result());
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (!utl_DirListing::FreeSpace(m_root, totalFree, callerFree, error))
+        NEX_RAISE(nex_TextException,
+                  atr_translate("error: %u:  could not get free space for \"%s\"\n").Arg(error).Arg(m_root).Result());
     if (typ_DebugFlags::GetDebugFlags(3u) >= 3) {
         aio_cout().print(pnt_DebugStartMark());
         PrintSpace("Free space on drive", m_root, totalFree, totalFree);

@@ -35,13 +35,6 @@ atr_String WithName(const char* format, const char* step, const cow_String& name
     return atr_translate(format).Arg(step).Arg(name).Result();
 }
 
-template <class E>
-[[noreturn]] void Raise(const atr_String& text, int line)
-{
-    E failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, line);
-}
-
 // The test hook's state: constant-initialised, so there is no start-up work.
 std::atomic<bool> g_hookOn{false};
 std::atomic<long> g_calls[utl_FileCallKinds] = {};
@@ -151,7 +144,7 @@ utl_File::~utl_File() noexcept(false)
     m_opened = 0;
     uint32_t error = 0;
     if (!CloseBehindHook(m_handle, error) && std::uncaught_exceptions() == 0)
-        Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionClose, WithError(kCloseText, "CloseHandle", error, m_name));
 }
 
 void utl_File::Close()
@@ -161,7 +154,7 @@ void utl_File::Close()
     m_opened = 0;
     uint32_t error = 0;
     if (!CloseBehindHook(m_handle, error))
-        Raise<utl_FileExceptionClose>(WithError(kCloseText, "CloseHandle", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionClose, WithError(kCloseText, "CloseHandle", error, m_name));
 }
 
 void utl_File::Open(const cow_String& name, utl_FileAccess access, utl_FileSharing sharing)
@@ -212,8 +205,8 @@ intptr_t utl_File::OpenWith(const cow_String& name, int access, const char* step
     if (Sys(utl_FileCallOpen, error, [&] { return FS::Open(name, access, ShareFor(m_access, m_sharing), handle, error); }))
         return handle;
     if (missingStep && FS::IsNoSuchFile(error, name))
-        Raise<utl_FileExceptionNoFile>(WithName(kNoFileText, missingStep, name), __LINE__);
-    Raise<utl_FileExceptionOpen>(WithError(kOpenText, step, error, name), __LINE__);
+        NEX_RAISE(utl_FileExceptionNoFile, WithName(kNoFileText, missingStep, name));
+    NEX_RAISE(utl_FileExceptionOpen, WithError(kOpenText, step, error, name));
 }
 
 void utl_File::Seek(const utl_FileOffset& position)
@@ -221,7 +214,7 @@ void utl_File::Seek(const utl_FileOffset& position)
     Init();
     uint32_t error = 0;
     if (!Sys(utl_FileCallSeek, error, [&] { return FS::SetPosition(m_handle, position.Value(), error); }))
-        Raise<utl_FileExceptionSeek>(WithError(kSeekText, "SetFilePointer", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionSeek, WithError(kSeekText, "SetFilePointer", error, m_name));
 }
 
 utl_FileOffset utl_File::Location()
@@ -230,7 +223,7 @@ utl_FileOffset utl_File::Location()
     int64_t position = 0;
     uint32_t error = 0;
     if (!Sys(utl_FileCallSeek, error, [&] { return FS::GetPosition(m_handle, position, error); }))
-        Raise<utl_FileExceptionLocation>(WithError(kLocationText, "SetFilePointer", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionLocation, WithError(kLocationText, "SetFilePointer", error, m_name));
     return utl_FileOffset(position);
 }
 
@@ -240,7 +233,7 @@ int utl_File::Read(char* buffer, int count)
     int done = 0;
     uint32_t error = 0;
     if (count > 0 && !Transfer(utl_FileCallRead, count, done, error, [&](int n) { return FS::Read(m_handle, buffer, n, done, error); }))
-        Raise<utl_FileExceptionRead>(WithError(kReadText, "ReadFile", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionRead, WithError(kReadText, "ReadFile", error, m_name));
     return done;
 }
 
@@ -249,8 +242,8 @@ void utl_File::RejectReadOnly(bool flush)
     if (m_access != utl_FileAccessRead)
         return;
     if (flush)
-        Raise<utl_FileExceptionFlush>(WithName(kFlushReadOnlyText, "attempt to flush a read-only file.", m_name), __LINE__);
-    Raise<utl_FileExceptionWrite>(WithName(kWriteReadOnlyText, "attempt to write to a read-only file.", m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionFlush, WithName(kFlushReadOnlyText, "attempt to flush a read-only file.", m_name));
+    NEX_RAISE(utl_FileExceptionWrite, WithName(kWriteReadOnlyText, "attempt to write to a read-only file.", m_name));
 }
 
 int utl_File::WriteShortAllowed(const char* buffer, int count)
@@ -260,7 +253,7 @@ int utl_File::WriteShortAllowed(const char* buffer, int count)
     int done = 0;
     uint32_t error = 0;
     if (count > 0 && !Transfer(utl_FileCallWrite, count, done, error, [&](int n) { return FS::Write(m_handle, buffer, n, done, error); }))
-        Raise<utl_FileExceptionWrite>(WithError(kWriteText, "WriteFile", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionWrite, WithError(kWriteText, "WriteFile", error, m_name));
     return done;
 }
 
@@ -268,7 +261,7 @@ int utl_File::Write(const char* buffer, int count)
 {
     const int done = WriteShortAllowed(buffer, count);
     if (count > 0 && done < count)
-        Raise<utl_FileExceptionFull>(WithName(kFullText, "WriteFile", m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionFull, WithName(kFullText, "WriteFile", m_name));
     return done;
 }
 
@@ -278,7 +271,7 @@ void utl_File::Flush()
     RejectReadOnly(true);
     uint32_t error = 0;
     if (!Sys(utl_FileCallFlush, error, [&] { return FS::Flush(m_handle, error); }))
-        Raise<utl_FileExceptionFlush>(WithError(kFlushText, "FlushFileBuffers", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionFlush, WithError(kFlushText, "FlushFileBuffers", error, m_name));
 }
 
 utl_FileOffset utl_File::FileSize()
@@ -287,7 +280,7 @@ utl_FileOffset utl_File::FileSize()
     int64_t size = 0;
     uint32_t error = 0;
     if (!Sys(utl_FileCallSize, error, [&] { return FS::Size(m_handle, size, error); }))
-        Raise<utl_FileExceptionSize>(WithError(kSizeText, "GetFileSize", error, m_name), __LINE__);
+        NEX_RAISE(utl_FileExceptionSize, WithError(kSizeText, "GetFileSize", error, m_name));
     return utl_FileOffset(size);
 }
 
@@ -295,14 +288,14 @@ void utl_File::Extend(const utl_FileOffset& size)
 {
     Init();
     if (m_access == utl_FileAccessRead)
-        Raise<nex_TextException>(atr_String("utl_File::Extend - attempt to extend a read-only file."), __LINE__);
+        NEX_RAISE(nex_TextException, atr_String("utl_File::Extend - attempt to extend a read-only file."));
     uint32_t error = 0;
     auto check = [&](bool ok, const char* step) {
         if (ok)
             return;
         if (FS::IsDiskFull(error))
-            Raise<utl_FileExceptionFull>(WithName(kFullText, step, m_name), __LINE__);
-        Raise<utl_FileExceptionExtend>(WithError(kExtendText, step, error, m_name), __LINE__);
+            NEX_RAISE(utl_FileExceptionFull, WithName(kFullText, step, m_name));
+        NEX_RAISE(utl_FileExceptionExtend, WithError(kExtendText, step, error, m_name));
     };
     auto seek = [&](int64_t to) { return Sys(utl_FileCallSeek, error, [&] { return FS::SetPosition(m_handle, to, error); }); };
     int64_t remembered = 0;

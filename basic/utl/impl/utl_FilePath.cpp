@@ -2,7 +2,9 @@
 
 #include <cstdlib>
 
+#include "sys/impl/sys_Os.h"
 #include "utl/impl/utl_FilePathPlatform.h"
+#include "utl/utl_HostInfo.h"
 #include "utl/utl_Stat.h"
 
 namespace P = utl_FilePathPlatform;
@@ -10,6 +12,16 @@ namespace P = utl_FilePathPlatform;
 namespace {
 
 const char kNetworkConnectors[] = "Network connectors";
+
+// Creates the file new, exclusively, and removes it at once: can a file be made here?
+bool CanCreate(const cow_String& path)
+{
+    uint32_t error = 0;
+    if (!sys_CreateExclusive(path.c_str(), nullptr, 0, error))
+        return false;
+    sys_RemoveFile(path.c_str(), error);
+    return true;
+}
 
 bool IsLetter(char c)
 {
@@ -196,10 +208,10 @@ void utl_FilePath::SetFilePath(const cow_String& nameIn, const cow_String& direc
         } else if (StartsWithDrive(directory)) {
             m_baseDir = name.StartsWith("\\") ? directory.Substr(0, 2) : P::DriveCurrentDirectory(directory[0]);
         } else if (P::kHasDrives && directory.StartsWith("\\")) {
-            m_baseDir = P::CurrentDirectory().Substr(0, 2);
+            m_baseDir = utl_getcwd().Substr(0, 2);
             m_baseDir += directory;
         } else {
-            m_baseDir = P::CurrentDirectory();
+            m_baseDir = utl_getcwd();
         }
         if (P::kHasDrives && name.StartsWith("\\")) {
             int skip = 0;
@@ -328,7 +340,7 @@ bool utl_FilePath::IsWriteable() const
     if (!IsPlainPath())
         return false;
     const cow_String path = AbsolutePathName();
-    return Exists() ? P::CanWrite(path) : P::CanCreate(path);
+    return Exists() ? P::CanWrite(path) : CanCreate(path);
 }
 
 bool utl_FilePath::IsExecutable() const

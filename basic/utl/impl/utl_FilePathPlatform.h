@@ -10,15 +10,12 @@ namespace utl_FilePathPlatform {
 extern const char kNativeSeparator;
 extern const bool kHasDrives;
 
-// The process's current directory.
-cow_String CurrentDirectory();
-// The current directory of a drive (Windows); the process's current directory elsewhere.
+// The current directory of a drive (Windows); the process's current directory (utl_getcwd)
+// elsewhere.
 cow_String DriveCurrentDirectory(char drive);
 
 bool CanRead(const cow_String& path);
 bool CanWrite(const cow_String& path);
-// Creates the file new, exclusively, and removes it at once: can a file be made here?
-bool CanCreate(const cow_String& path);
 // The platform's executable test for an existing, readable file with this extension.
 bool IsExecutable(const cow_String& path, const cow_String& extension);
 

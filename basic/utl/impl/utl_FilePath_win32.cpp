@@ -9,12 +9,6 @@ namespace utl_FilePathPlatform {
 const char kNativeSeparator = '\\';
 const bool kHasDrives = true;
 
-cow_String CurrentDirectory()
-{
-    char buffer[MAX_PATH + 1];
-    return _getcwd(buffer, sizeof(buffer)) ? cow_String(buffer) : cow_String();
-}
-
 cow_String DriveCurrentDirectory(char drive)
 {
     char buffer[MAX_PATH + 1];
@@ -30,16 +24,6 @@ bool CanRead(const cow_String& path)
 bool CanWrite(const cow_String& path)
 {
     return _access(path.c_str(), 2) == 0;
-}
-
-bool CanCreate(const cow_String& path)
-{
-    HANDLE h = CreateFileA(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW,
-                           FILE_ATTRIBUTE_TEMPORARY | FILE_FLAG_DELETE_ON_CLOSE, nullptr);
-    if (h == INVALID_HANDLE_VALUE)
-        return false;
-    CloseHandle(h);
-    return true;
 }
 
 // ".exe" or ".bat" exactly (case matters), and readable.

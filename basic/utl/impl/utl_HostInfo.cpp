@@ -43,6 +43,20 @@ bool VendorIs(const char* name)
 
 }  // namespace
 
+cow_String utl_getHostName()
+{
+    cow_String name;
+    uint32_t error = 0;
+    return sys_HostName(name, error) ? name : cow_String();
+}
+
+cow_String utl_getcwd()
+{
+    cow_String directory;
+    uint32_t error = 0;
+    return sys_CurrentDirectory(directory, error) ? directory : cow_String();
+}
+
 cow_String utl_getDate()
 {
     return FormatNow("%d-%b-%Y");

@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <limits.h>
 #include <pwd.h>
 #include <time.h>
 #include <unistd.h>
@@ -21,15 +20,6 @@ bool LocalTime(std::tm& out)
 
 }  // namespace utl_HostInfoPlatform
 
-cow_String utl_getHostName()
-{
-    char buffer[257];
-    if (gethostname(buffer, 256) != 0)
-        return cow_String();
-    buffer[256] = '\0';
-    return cow_String(buffer);
-}
-
 cow_String utl_getUserName()
 {
     long size = sysconf(_SC_GETPW_R_SIZE_MAX);
@@ -39,12 +29,6 @@ cow_String utl_getUserName()
     if (getpwuid_r(geteuid(), &entry, buffer.data(), buffer.size(), &found) == 0 && found && found->pw_name)
         return cow_String(found->pw_name);
     return cow_String();
-}
-
-cow_String utl_getcwd()
-{
-    char buffer[PATH_MAX];
-    return getcwd(buffer, sizeof(buffer)) ? cow_String(buffer) : cow_String();
 }
 
 cow_String utl_getPlatform()

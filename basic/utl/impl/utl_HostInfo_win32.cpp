@@ -1,8 +1,6 @@
 #include "utl/utl_HostInfo.h"
 #include "utl/impl/utl_HostInfoPlatform.h"
 
-#include <winsock2.h>
-#include <direct.h>
 #include <windows.h>
 
 namespace utl_HostInfoPlatform {
@@ -15,19 +13,6 @@ bool LocalTime(std::tm& out)
 
 }  // namespace utl_HostInfoPlatform
 
-// The socket layer is started on every call and left running (the name needs it started).
-cow_String utl_getHostName()
-{
-    WSADATA data;
-    if (WSAStartup(MAKEWORD(1, 1), &data) != 0)
-        return cow_String();
-    char buffer[257];
-    if (gethostname(buffer, 256) != 0)
-        return cow_String();
-    buffer[256] = '\0';
-    return cow_String(buffer);
-}
-
 cow_String utl_getUserName()
 {
     char buffer[257];
@@ -36,12 +21,6 @@ cow_String utl_getUserName()
         return cow_String();
     buffer[256] = '\0';
     return cow_String(buffer);
-}
-
-cow_String utl_getcwd()
-{
-    char buffer[260];
-    return _getcwd(buffer, sizeof(buffer)) ? cow_String(buffer) : cow_String();
 }
 
 cow_String utl_getPlatform()

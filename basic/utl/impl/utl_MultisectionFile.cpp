@@ -7,7 +7,7 @@
 #include "mem/mem_Memory.h"
 #include "utl/impl/utl_DirListing.h"
 #include "utl/impl/utl_FileSystem.h"
-#include "utl/impl/utl_LockFile.h"
+#include "sys/impl/sys_Os.h"
 #include "utl/utl_Stat.h"
 
 namespace FS = utl_FileSystem;
@@ -33,7 +33,7 @@ void RemoveFile(const cow_String& path)
 {
     uint32_t error = 0;
     if (!FS::FaultFires(utl_FileCallDelete, error))
-        utl_LockFile::Remove(path);
+        sys_RemoveFile(path.c_str(), error);
 }
 
 // Closes and deletes the save file when the save ends, however it ends, unless it has to be kept:
@@ -178,17 +178,22 @@ void utl_MultisectionFile::ReleaseAll()
     }
 }
 
-void utl_MultisectionFile::Fail(const atr_String& message) const
+atr_String utl_MultisectionFile::Located(const atr_String& message) const
 {
     atr_String text = atr_translate("\"%s\": ").Arg(m_path).Result();
     text += message;
-    nex_TextException failure(text);
-    failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    return text;
+}
+
+void utl_MultisectionFile::Fail(const atr_String& message) const
+{
+    NEX_RAISE(nex_TextException, Located(message));
 }
 
 void utl_MultisectionFile::FailCorrupt(const Section& s) const
 {
-    Fail(atr_translate("Data corrupted in section \"%s\"").Arg(s.name).Result());
+    NEX_RAISE(utl_MultisectionCorruptException,
+              Located(atr_translate("Data corrupted in section \"%s\"").Arg(s.name).Result()));
 }
 
 void utl_MultisectionFile::FailKept(const nex_Exception& cause) const
@@ -203,7 +208,8 @@ bool utl_MultisectionFile::AcquireLock()
     const cow_String owner = utl_MultisectionLockOwner::Current().Text();
     for (int attempt = 0; attempt < kLockAttempts; ++attempt) {
         uint32_t error = 0;
-        if (!FS::FaultFires(utl_FileCallOpen, error) && utl_LockFile::Create(m_lockPath, owner)) {
+        if (!FS::FaultFires(utl_FileCallOpen, error) &&
+            sys_CreateExclusive(m_lockPath.c_str(), owner.c_str(), owner.Length(), error)) {
             m_lockHeld = true;
             return true;
         }
@@ -212,50 +218,54 @@ bool utl_MultisectionFile::AcquireLock()
     return false;
 }
 
+template <class E>
 void utl_MultisectionFile::ReadExact(void* buffer, int count, const char* message)
 {
     if (count > 0 && m_file.Read(static_cast<char*>(buffer), count) != count)
-        Fail(message);
+        NEX_RAISE(E, Located(message));
 }
 
+template <class E>
 int32_t utl_MultisectionFile::ReadInt(const char* message)
 {
     int32_t v = 0;
-    ReadExact(&v, 4, message);
+    ReadExact<E>(&v, 4, message);
     return v;
 }
 
 void utl_MultisectionFile::ReadTable()
 {
+    typedef utl_MultisectionFormatException Format;
+    typedef utl_MultisectionCorruptException Corrupt;
     unsigned char magic[4] = {0, 0, 0, 0};
-    ReadExact(magic, 4, "Invalid file type");
+    ReadExact<Format>(magic, 4, "Invalid file type");
     if (std::memcmp(magic, kMagic, 4) != 0)
-        Fail("Invalid file type");
-    if (ReadInt("Unsupported file format") != kVersion)
-        Fail("Unsupported file format");
+        NEX_RAISE(Format, Located("Invalid file type"));
+    if (ReadInt<Format>("Unsupported file format") != kVersion)
+        NEX_RAISE(Format, Located("Unsupported file format"));
 
     // Every entry takes at least 12 bytes of the file, so the table costs what the file holds
     // whatever count it claims.
     const int64_t fileSize = m_file.FileSize().Value();
-    const int32_t count = ReadInt("Invalid string length");
+    const int32_t count = ReadInt<Corrupt>("Invalid string length");
     if (count < 0)
-        Fail("Invalid string length");
+        NEX_RAISE(Corrupt, Located("Invalid string length"));
     for (int32_t i = 0; i < count; ++i) {
-        const int32_t nameLength = ReadInt("Invalid string length");
+        const int32_t nameLength = ReadInt<Corrupt>("Invalid string length");
         // A length that runs past the end of the file is as invalid as a negative one.
         if (nameLength < 0 || nameLength > fileSize - m_file.Location().Value())
-            Fail("Invalid string length");
+            NEX_RAISE(Corrupt, Located("Invalid string length"));
         Section s;
         if (nameLength > 0) {
             cow_String name(nameLength, atr_StringBase::PRESIZE);
-            ReadExact(name.GetWriteBuffer(nameLength), nameLength, "Invalid string length");
+            ReadExact<Corrupt>(name.GetWriteBuffer(nameLength), nameLength, "Invalid string length");
             name.SetLength(nameLength);
             s.name = name;
         }
-        s.storedLength = ReadInt("Invalid string length");
+        s.storedLength = ReadInt<Corrupt>("Invalid string length");
         if (s.storedLength < 0)
-            Fail("Invalid string length");
-        s.crc = static_cast<uint32_t>(ReadInt("Invalid string length"));
+            NEX_RAISE(Corrupt, Located("Invalid string length"));
+        s.crc = static_cast<uint32_t>(ReadInt<Corrupt>("Invalid string length"));
         m_sections.Append(s);
     }
     // A section whose bytes would run past the end of the file (or past the 32-bit offsets) is
@@ -354,7 +364,7 @@ cow_String utl_MultisectionFile::SavePath() const
 {
     cow_String path(m_path);
     path += ".";
-    path += cow_String(utl_LockFile::ProcessId());
+    path += cow_String(sys_ProcessId());
     path += ".tmp";
     return path;
 }

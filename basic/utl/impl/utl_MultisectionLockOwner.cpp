@@ -124,11 +124,11 @@ utl_MultisectionUnlockEnm utl_MultisectionFile::RemoveLock(const cow_String& pat
         return utl_MultisectionUnlockRefused;
     const cow_String lockPath = LockPath(path);
     cow_String text;
-    if (!utl_LockFile::Remove(lockPath) && utl_LockFile::Read(lockPath, text) != 0) {
+    uint32_t error = 0;
+    if (!sys_RemoveFile(lockPath.c_str(), error) && utl_LockFile::Read(lockPath, text) != 0) {
         atr_String message = atr_translate("\"%s\": ").Arg(path).Result();
         message += "Cannot remove the lock file.";
-        nex_TextException failure(message);
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+        NEX_RAISE(nex_TextException, message);
     }
     return utl_MultisectionUnlockRemoved;
 }

@@ -35,8 +35,7 @@ void utl_Stat::ThrowIfFileNotFound() const
 
 void utl_Stat::Raise(const omi_SystemErrorCode& error)
 {
-    nex_SystemErrorException failure(error);
-    failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+    NEX_RAISE(nex_SystemErrorException, error);
 }
 
 int64_t utl_Stat::SecondsFromFileTime(uint64_t ticksSince1601)

@@ -118,16 +118,12 @@ void utl_TempFile::NameIfNeeded()
     if (m_named)
         return;
     cow_String path = ScratchDirectory();
-    if (path.Length() == 0) {
-        utl_TempFileCantExc failure;
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (path.Length() == 0)
+        nex_Raise<utl_TempFileCantExc>(ZUL_SOURCE_NAME, __LINE__);
     const uint64_t available = utl_DiskAttributes(path).GetFreeDiskSpace();
     path += kTemplate;
-    if (!MakeUnique(path)) {
-        utl_TempFileCantExc failure;
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (!MakeUnique(path))
+        nex_Raise<utl_TempFileCantExc>(ZUL_SOURCE_NAME, __LINE__);
     const cow_String& extension = m_name;
     if (extension.Length() > 0) {
         if (extension[0] != '.')
@@ -149,10 +145,8 @@ void utl_TempFile::Create()
 {
     NameIfNeeded();
     const int fd = ::open(m_name.c_str(), O_RDWR | O_CREAT | O_EXCL, S_IRUSR | S_IWUSR);
-    if (fd < 0) {
-        utl_TempFileOpenExc failure(m_name, std::strerror(errno));
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (fd < 0)
+        NEX_RAISE(utl_TempFileOpenExc, m_name, std::strerror(errno));
     Close();
     m_fd = fd;
 }
@@ -164,8 +158,7 @@ bool utl_TempFile::OpenIfPresent()
     if (fd < 0) {
         if (errno == ENOENT)
             return false;
-        utl_TempFileOpenExc failure(m_name, std::strerror(errno));
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
+        NEX_RAISE(utl_TempFileOpenExc, m_name, std::strerror(errno));
     }
     Close();
     m_fd = fd;
@@ -174,10 +167,8 @@ bool utl_TempFile::OpenIfPresent()
 
 void utl_TempFile::Open()
 {
-    if (!OpenIfPresent()) {
-        utl_TempFileOpenExc failure(m_name, std::strerror(ENOENT));
-        failure.Throw(ZUL_SOURCE_NAME, __LINE__);
-    }
+    if (!OpenIfPresent())
+        NEX_RAISE(utl_TempFileOpenExc, m_name, std::strerror(ENOENT));
 }
 
 void utl_TempFile::Close()

@@ -105,7 +105,8 @@ void atr_StringBase::InitCopy(const char* s, int n)
 {
     m_text = nullptr;
     m_rep = nullptr;
-    const int len = TextLength(s, n);
+    // A count is taken as given: zero bytes inside it are part of the text.
+    const int len = s && n >= 0 ? CheckedLength(n) : TextLength(s, n);
     if (len == 0)
         return;
     atr_StringRep* rep = NewOwned(len);
