@@ -14,6 +14,10 @@
 // that does not fit raises cls_BadDataException (the half-built object is destroyed), an unknown
 // class or version, or a class without a constructor function, cls_UnknownClassException; end of
 // data raises the stream's utl_BinStreamEOF.
+//
+// Thread rule: one visitor with its stream, one thread at a time. Visitors on streams of their own
+// may run on several threads at once while no thread changes the registrar: they only look
+// classes up (ClassIsPresent, ConstGet, GetClassMetadata).
 #ifndef CLS_BINVISITOR_H
 #define CLS_BINVISITOR_H
 

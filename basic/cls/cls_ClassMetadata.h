@@ -19,6 +19,10 @@
 // holding the void* can convert it back to Root* whatever the class.
 //
 // Heap objects (allocated through the memory layer); shared through cls_ClassMetadataHld.
+//
+// Thread rule: made and completed (the adders) on one thread, during registration; afterwards the
+// const members may be read by several threads at once. Holders that share one metadata carry a
+// plain count: copy and drop them on one thread at a time.
 #ifndef CLS_CLASSMETADATA_H
 #define CLS_CLASSMETADATA_H
 

@@ -18,7 +18,12 @@
 // Walks up the hierarchy (InheritanceCheck, DeleteCow) stop after as many steps as there are
 // classes, so that a cycle among registered base ids ends the walk instead of looping.
 //
-// No locking: registration is finished before readers start.
+// Thread rule: no locking. Registration (CreateClassMD, AddClassMD, DeleteClass) and the hook
+// setters run on one thread, before readers start. After that GetClassID, ConstGet,
+// GetClassMetadata, ClassIsPresent, GetLastClassVersionNumber, InheritanceCheck and DeleteCow may
+// run on several threads at once; the version walks (GetFirstClassVersionNumberGREQ,
+// GetPreviousClassVersionNumber) and the two lists copy counted handles, whose counts are plain
+// integers, and run one at a time.
 #ifndef CLS_CLASSREGISTRAR_H
 #define CLS_CLASSREGISTRAR_H
 

@@ -4,6 +4,8 @@
 // Field ids are small non-negative numbers, unique within one class (a derived class numbers its
 // own fields after those of its bases). The key text is not copied: handles are made from
 // string literals.
+//
+// Thread rule: handles are constants; any thread.
 #ifndef CLS_FIELDHANDLE_H
 #define CLS_FIELDHANDLE_H
 

@@ -13,7 +13,8 @@
 // The library's modules register at start-up into the process's instance (Instance()); every
 // class of the library lands in its third registrar, which ThirdRegistrar() answers. The cls
 // module's tear-down destroys the instance (Finalize()); the next Instance() makes a fresh one.
-// No locking: registration runs in the start-up chain, on one thread.
+// Thread rule: no locking: registration and replays run in the start-up chain, on one thread; the
+// registrars are then read as cls_ClassRegistrar.h says.
 #ifndef CLS_METADATAREGISTRAR_H
 #define CLS_METADATAREGISTRAR_H
 

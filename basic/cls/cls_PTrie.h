@@ -7,8 +7,9 @@
 // 2147483647, -2147483648, ..., -1.
 //
 // Looking up a key in an empty trie or a key that is absent: ConstGetPtr answers null and
-// ConstGet raises nex_TextException. A failed insertion (out of memory) changes nothing.
-// One thread at a time.
+// ConstGet raises nex_TextException. A failed insertion (out of memory) changes nothing. An
+// iterator reads the trie in place: the trie must outlive it and not change while it walks, and
+// Key() and Value() are read only while IsDone() is false. cls_PTrieKey::Bit(b) needs 0 <= b < 32.
 //
 // Shared tries are held through cow_CountedHld<cls_PTrie<...>> (no copy-on-write: the trie itself
 // cannot be copied). Nodes come from the memory layer through mem_AllocationOperators.
@@ -17,6 +18,8 @@
 // <double>, <bool>, <cow_String> and cls_Uid; those value types come with the persistence classes
 // and are not instantiated yet. The template works with any copy-constructible, copy-assignable V.
 // Only N = 1 (one 32-bit word) is supported: the difference scan and the "done" code 32 assume it.
+//
+// Thread rule: one trie with its iterators and its holders (plain counts), one thread at a time.
 #ifndef CLS_PTRIE_H
 #define CLS_PTRIE_H
 

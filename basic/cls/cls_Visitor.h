@@ -14,6 +14,8 @@
 // Failures of persistence: cls_BadDataException (data that does not match what the reader
 // expects) and cls_UnknownClassException (a class id, or version, that the registrar does not
 // know, or a class that cannot be built because it is abstract).
+//
+// Thread rule: the implementations' (cls_BinVisitor.h): one visitor, one thread at a time.
 #ifndef CLS_VISITOR_H
 #define CLS_VISITOR_H
 

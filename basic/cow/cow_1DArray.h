@@ -10,8 +10,13 @@
 //
 // Element i lives in block (i + offset) >> shift at (i + offset) - (block << shift).
 //
-// Contracts: indices are not range-checked (reading outside the table is undefined). Counts are
-// plain integers: an array shared between copies is used by one thread at a time.
+// Contracts: indices are not range-checked (reading outside the table is undefined).
+//
+// Thread rule: the counts of the table and the blocks are plain integers: arrays that share
+// storage (an array and its copies) are used by one thread at a time. The default element is
+// one object for every array of the type: where T carries a count of its own (a list does, a
+// string does not), copying it out of blocks not made yet on two threads at once races on that
+// count, whichever arrays the threads read.
 #ifndef COW_1DARRAY_H
 #define COW_1DARRAY_H
 

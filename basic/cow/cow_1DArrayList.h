@@ -15,6 +15,10 @@
 //
 // Instances used by the library: int, unsigned int, float, double, cow_String and lists of
 // int, float and double lists; the uti_Coord3D instance comes with the coordinate classes.
+//
+// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
+// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
+// element of an element type with a count of its own (lists of lists).
 #ifndef COW_1DARRAYLIST_H
 #define COW_1DARRAYLIST_H
 

@@ -1,6 +1,11 @@
 // The part shared by cow_1DArrayList and cow_List: a count of elements in use in front of a
 // copy-on-write block array (members in this order), with element access and the machinery
 // that makes multi-step writes all-or-nothing.
+//
+// Contracts: no index is checked by operator[], ConstGet and Get (ConstRun checks its own); the
+// derived lists name theirs.
+//
+// Thread rule: the storage's: sequences that share storage are used by one thread at a time.
 #ifndef COW_ARRAYSEQ_H
 #define COW_ARRAYSEQ_H
 

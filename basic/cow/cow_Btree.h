@@ -12,7 +12,10 @@
 // by < for floats. Reads (ConstFind, iteration) never copy. A failed write (out of memory) leaves
 // this tree and its sharers unchanged: an insertion allocates everything before its first change,
 // and a removal runs on a working copy that replaces the tree only when it has succeeded.
-// One thread at a time.
+// An iterator's Key() and Value() are read only while NotDone() is true.
+//
+// Thread rule: the node counts are plain integers: trees that share nodes (a tree, its copies and
+// the snapshots their iterators hold) are used by one thread at a time.
 //
 // Instances used by the library: int keys with int, double, cow_1DArrayList<int>; float keys with
 // int; cow_String keys with int, unsigned int, float, cow_String, cow_1DArray<cow_String>,

@@ -13,7 +13,7 @@
 // A table without buckets, or a hash function answering outside 0 .. count-1, raises
 // nex_AssertException rather than touching memory outside the bucket array. So does a call
 // without a hash function for a key type that has no HashValue overload.
-// One thread at a time.
+// Thread rule: one table, one thread at a time.
 //
 // The class carries no module prefix; it is a container and lives with the containers (cow),
 // as does LongKey (cow/cow_LongKey.h). Entries come from mem_OperatorNewThrow and go back with

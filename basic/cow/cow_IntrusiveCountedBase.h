@@ -1,4 +1,6 @@
 // Base for objects that carry their own counter (the counter's layout belongs to its owner).
+// Thread rule: one object, one thread at a time (the counter's owner says how the counter
+// itself may be shared).
 #ifndef COW_INTRUSIVECOUNTEDBASE_H
 #define COW_INTRUSIVECOUNTEDBASE_H
 

@@ -14,6 +14,10 @@
 //
 // Instances used by the library: int, unsigned int, bool, float, double, cow_String, atr_String
 // and cow_1DArrayList<int>.
+//
+// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
+// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
+// element of an element type with a count of its own (lists of lists).
 #ifndef COW_LIST_H
 #define COW_LIST_H
 

@@ -13,7 +13,12 @@
 // Contracts: Get and ConstGet need a present key (test IsMember first); on a missing key their
 // result is not to be used. What they answer then is a default value that belongs to the calling
 // thread, made afresh for every miss (it outlives the call, to the thread's end): threads that
-// each miss on maps of their own never touch the same object. One thread at a time per map.
+// each miss on maps of their own never touch the same object. An iterator's Key() and Value() are
+// read only while NotDone() is true.
+//
+// Thread rule: the node counts are plain integers: maps that share nodes (a map, its copies and
+// the snapshots their iterators hold) are used by one thread at a time. Maps that share nothing
+// may be used on different threads, misses included.
 //
 // Iterators take a snapshot (they hold a copy of the map, so the nodes stay alive):
 // cow_ConstMapIterator walks in tree order (pre-order, left before right);

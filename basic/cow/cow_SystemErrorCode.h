@@ -2,6 +2,7 @@
 //
 // Two 32-bit unsigned values in this order: the system error code, and a runtime-library errno
 // value that is meaningful only when the code is 0xFFFFFFFF.
+// Thread rule: a plain value; GetText may be called from any thread.
 #ifndef COW_SYSTEMERRORCODE_H
 #define COW_SYSTEMERRORCODE_H
 

@@ -1,5 +1,6 @@
 // Class-level allocation operators that route every heap object of the library to the lower
 // library's memory layer. Deriving from one of these empty bases is all a class needs to do.
+// Thread rule: the memory layer's (mem/mem_Memory.h): any thread.
 #ifndef MEM_ALLOCATIONOPERATORS_H
 #define MEM_ALLOCATIONOPERATORS_H
 

@@ -7,7 +7,10 @@
 // ordered map (a sorted array of id and slot) finds the slot of an id.
 //
 // The table keeps the process-wide tallies; the pools change records and tallies (the table's
-// and their own together) through their block operations. One thread at a time.
+// and their own together) through their block operations.
+//
+// Thread rule: the memory manager takes no locks: the manager, its block table and every pool are
+// used by one thread at a time between them (pool operations change the shared table).
 #ifndef MRM_BLOCKTABLE_H
 #define MRM_BLOCKTABLE_H
 

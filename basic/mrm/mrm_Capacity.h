@@ -1,4 +1,5 @@
 // Capacities of the memory manager's pools: recorded and reported, not enforced.
+// Thread rule: plain values; copies are independent.
 #ifndef MRM_CAPACITY_H
 #define MRM_CAPACITY_H
 

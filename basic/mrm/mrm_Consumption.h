@@ -1,5 +1,6 @@
 // Tallies of the memory manager: what a large-block pool (or the whole block table) has
 // declared, pinned and left unpinned, and what a small-block pool has out to its clients.
+// Thread rule: plain values; copies are independent.
 #ifndef MRM_CONSUMPTION_H
 #define MRM_CONSUMPTION_H
 

@@ -8,7 +8,9 @@
 //
 // Block operations answer true when they fail (an unknown id, or a block not in the state the
 // operation needs) and then change nothing. Capacities are recorded and reported, not enforced.
-// One thread at a time.
+//
+// Thread rule: the memory manager takes no locks: the manager, its block table and every pool are
+// used by one thread at a time between them (pool operations change the shared table).
 #ifndef MRM_LARGEBLOCKPOOL_H
 #define MRM_LARGEBLOCKPOOL_H
 

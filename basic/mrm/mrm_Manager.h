@@ -4,9 +4,12 @@
 // Made on first use (at the latest by mrm_initialize) and destroyed by mrm_finalize, which ends
 // every pool that is still active. It starts with a default large-block pool (label "default",
 // unlimited), which answers for labels without an active pool of their own until it is shut
-// down. One thread at a time.
+// down.
 //
 // The factories are the usual way in: they forward to the manager.
+//
+// Thread rule: the memory manager takes no locks: the manager, its block table and every pool are
+// used by one thread at a time between them (pool operations change the shared table).
 #ifndef MRM_MANAGER_H
 #define MRM_MANAGER_H
 

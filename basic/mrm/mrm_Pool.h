@@ -6,6 +6,9 @@
 // reservation and the bytes out times the overhead factor, whenever that exceeds what the
 // provider has pinned. Freeing never shrinks the reserve; the pool gives it back when it ends.
 // The pool must end before its provider, and every block must be freed before the pool ends.
+//
+// Thread rule: the memory manager takes no locks: the manager, its block table and every pool are
+// used by one thread at a time between them (pool operations change the shared table).
 #ifndef MRM_POOL_H
 #define MRM_POOL_H
 

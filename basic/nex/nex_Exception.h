@@ -24,6 +24,11 @@
 // to get TypeId, DynTypeId, Propagate and Copy; a class that is its base's message and nothing
 // more is declared whole by NEX_TEXT_EXCEPTION(Class, Base, id). A throw site writes
 // NEX_RAISE(Class, constructor arguments...), which records its source name and line.
+//
+// Thread rule: an exception and its copies (the one in flight, Copy()'s, a cow_COW holder's)
+// share their texts, whose counts are plain integers: they are used by one thread at a time, so
+// an exception passes to another thread only when the first has let go of its copies. Throwing
+// touches no shared state; the class registration is part of the nex module's start-up.
 #ifndef NEX_EXCEPTION_H
 #define NEX_EXCEPTION_H
 

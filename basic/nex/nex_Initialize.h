@@ -1,4 +1,6 @@
-// Start-up and shut-down of the nex module (exceptions); see typ/typ_Module.h for the counting rule.
+// Start-up and shut-down of the nex module (exceptions); see typ/typ_Module.h for the counting
+// rule.
+// Thread rule: on one thread, before other threads use the module and after they stop.
 #ifndef NEX_INITIALIZE_H
 #define NEX_INITIALIZE_H
 

@@ -4,6 +4,11 @@
 // the product message addressed to the product's users, and a generic one. Constructing an
 // exception with a message appends that message to the end of both texts (product text first),
 // every time; nothing resets them until the module's tear-down. This is intended.
+//
+// Thread rule: raising from the memory layer (nex_ThrowOutOfMemory, the constructors without a
+// message) touches no shared state: any thread. The module-wide texts are changed and copied
+// without a lock: the constructor with a message, JournalMessage, AsString and the two getters'
+// texts are used by one thread at a time across the process.
 #ifndef NEX_OUTOFMEMORYEXCEPTION_H
 #define NEX_OUTOFMEMORYEXCEPTION_H
 

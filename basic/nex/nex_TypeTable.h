@@ -7,8 +7,9 @@
 // Ids that cannot be resolved answer one of three fixed entries (kind 0, parent 1):
 // "INVALID FACILITY", "MISSING TYPE TABLES" and "INVALID TYPE".
 //
-// The table is made by the typ module's start-up and freed by its tear-down; it is read by any
-// thread afterwards and written only during start-up.
+// The table is made by the typ module's start-up and freed by its tear-down.
+// Thread rule: written (InsertEntry, Create, Destroy) only during start-up and tear-down, on one
+// thread; read by any thread in between.
 #ifndef NEX_TYPETABLE_H
 #define NEX_TYPETABLE_H
 

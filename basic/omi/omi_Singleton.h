@@ -1,10 +1,12 @@
 // omi_Singleton<T>: one process-wide instance of T, made on first use.
 //
 // T derives from omi_Singleton<T>; constructing a T registers it as the instance, so a T must
-// only be made through Instance(). Creation is not locked: the first Instance() of each type
-// happens before several threads can call it (in practice while its module starts up).
-// Finalize() destroys the instance (if any) and clears the pointer; the next Instance() makes a
-// fresh object.
+// only be made through Instance(). Finalize() destroys the instance (if any) and clears the
+// pointer; the next Instance() makes a fresh object.
+//
+// Thread rule: creation and Finalize() are not locked: the first Instance() of each type happens
+// before several threads can call it (in practice while its module starts up), and Finalize()
+// after they stop. The instance itself follows its own type's rule.
 //
 // Windows DLLs: the static instance pointer exists once per DLL or program that instantiates the
 // template. A singleton type of the library is therefore instantiated once, in its owning

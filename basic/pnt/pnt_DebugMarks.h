@@ -1,4 +1,5 @@
 // The two fixed lines that frame the library's diagnostic prints.
+// Thread rule: constant texts; any thread.
 #ifndef PNT_DEBUGMARKS_H
 #define PNT_DEBUGMARKS_H
 

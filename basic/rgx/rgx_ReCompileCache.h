@@ -2,16 +2,19 @@
 //
 // A thread's cache is made on its first match (or by rgx_initialize for the thread that brings
 // the library up) and reached through thr_ThreadSingleton<rgx_ReCompileCache>; rgx_finalize
-// releases the calling thread's cache, and every other thread's goes when the thread ends. Being
-// per thread, it is used without a lock.
+// releases the calling thread's cache, and every other thread's goes when the thread ends.
 //
 // Patterns are compiled by PCRE2 (8-bit code units) with no options and then JIT-compiled when the
 // engine has a JIT and the cache's JIT switch is on (the default); the JIT changes speed, not
-// results (a match too deep for the JIT's stack is run again by the interpreter). The map holds at most kCapacity patterns: inserting into a full cache first drops the
-// kCapacity / 2 patterns that sort lowest byte-wise, however recently or often they were used.
+// results (a match too deep for the JIT's stack is run again by the interpreter). The map holds
+// at most kCapacity patterns: inserting into a full cache first drops the kCapacity / 2 patterns
+// that sort lowest byte-wise, however recently or often they were used.
 //
 // The map is a cow_Map<cow_String, cow_CountedHld<rgx_CompiledRe>>: the counted holder keeps a
 // compiled pattern alive for a caller that looked it up even when a later lookup evicts it.
+//
+// Thread rule: each thread has its own cache, used without a lock; a holder looked up on one
+// thread stays on it (its count is a plain integer).
 #ifndef RGX_RECOMPILECACHE_H
 #define RGX_RECOMPILECACHE_H
 

@@ -5,6 +5,22 @@
 // Engine failures throw nex_TextException: "rgx_match: error in regex at offset <n>: <message>"
 // for a pattern that does not compile, "rgx_match: exec error: <code>" for a failing match (for
 // example a match limit set inside the pattern). No match is not a failure.
+//
+// Examples:
+//   rgx_split(",", "a,,b,")                 -> "a", "b", ""
+//   rgx_split(",", ",a")                    -> "a"
+//   rgx_split(",", "")                      -> ""
+//   rgx_split("x*", "abc")                  -> "a", "b", "c", ""
+//   rgx_split("^a", "aab")                  -> "b"
+//   rgx_subn("b", "[$&]", "abcb", 5)        -> "a[b]c[b]"
+//   rgx_subn("b", "[$&]", "abcb", 1)        -> "a[b]cb"
+//   rgx_subn("(\\d+)", "<$1>", "a1b22", 5)  -> "a<1>b<1>"   (references from the first match)
+//   rgx_subn("b", "$`|$'", "abc", 1)        -> "aa|cc"
+//   rgx_subn("x*", "-", "abc", 10)          -> "-a-b-c-"
+//   rgx_subn("(a)", "$12", "a", 1)          -> ""           ("$12" is group 12)
+//
+// Thread rule: any thread; each thread's patterns go through its own cache. A rgx_ReIterator
+// shares its subject (cow_String's rule).
 #ifndef RGX_FUNCS_H
 #define RGX_FUNCS_H
 

@@ -1,6 +1,9 @@
 // thr_AtomicType<T>: a value with a mutex of its own. Assignment stores the value without taking
 // the mutex (a single aligned store is atomic on the machines the library runs on); callers that
 // read-modify-write take Mutex() around it.
+// Thread rule: stores and reads are plain, unlocked accesses (whole on x86-64, but not atomic to
+// the compiler or the thread sanitizer): a read-modify-write, and a read that must see a finished
+// update, take Mutex().
 #ifndef THR_ATOMICTYPE_H
 #define THR_ATOMICTYPE_H
 

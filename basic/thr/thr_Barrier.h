@@ -4,6 +4,9 @@
 // the next cycle before all have left the previous one. It busy-waits (the workers are expected
 // to have cores of their own). While spinning it watches the thread pool's error condition: when
 // set, a pool worker terminates itself, and any other thread ends the process with status 1.
+//
+// Thread rule: made for several threads at once: every participant of a cycle passes the same
+// n (at least 1), and one barrier serves one group of threads at a time.
 #ifndef THR_BARRIER_H
 #define THR_BARRIER_H
 

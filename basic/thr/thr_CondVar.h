@@ -1,5 +1,8 @@
 // thr_CondVar: a manual-reset signal. Signal() sets it and it stays set, releasing every waiter,
 // until ResetSignal().
+// Thread rule: Signal, ResetSignal and the waits may come from several threads at once. A waiter
+// leaves when it sees the signal set: on POSIX systems a reset that follows a signal at once can
+// keep a waiter that has not woken yet waiting.
 #ifndef THR_CONDVAR_H
 #define THR_CONDVAR_H
 

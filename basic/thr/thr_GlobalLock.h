@@ -2,6 +2,10 @@
 // thr_finalize. It guards the creation and release of per-thread singleton slots and the
 // creation of the global singletons' own mutexes. Lock order: never take it while a pool or
 // module lock is held.
+//
+// Thread rule: Lock and Unlock from any thread (re-entrant, as thr_Mutex). Instance() and
+// Finalize() are not locked: thr_initialize makes the lock before other threads start and
+// thr_finalize ends it after they stop.
 #ifndef THR_GLOBALLOCK_H
 #define THR_GLOBALLOCK_H
 

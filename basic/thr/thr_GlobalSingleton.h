@@ -6,6 +6,11 @@
 // live in a slot that the thr module keeps by the type's name, so that the library and every
 // program or library using it share one instance even where each binary has its own copy of the
 // template's statics (Windows DLLs). Each binary looks its slot up once.
+//
+// Thread rule: Instance() and Existing() from any thread (the first Instance() creates under the
+// singleton's mutex, later ones are one atomic load). Finalize(), and the thr module's tear-down,
+// only after every other thread has stopped using the instance, which follows its own type's
+// rule.
 #ifndef THR_GLOBALSINGLETON_H
 #define THR_GLOBALSINGLETON_H
 

@@ -3,6 +3,9 @@
 // Lock() is re-entrant for the thread that holds the mutex (a critical section on Windows, a
 // recursive pthread mutex elsewhere); TryLock() never re-enters: it fails at once whenever the
 // mutex is held, by any thread, the caller included. Unlock() must be called once per Lock().
+//
+// Thread rule: made for several threads: Lock and TryLock from any thread, Unlock on the thread
+// that holds the mutex. IsHeld is a relaxed read: a hint that orders nothing.
 #ifndef THR_MUTEX_H
 #define THR_MUTEX_H
 

@@ -19,6 +19,23 @@
 // Suspend and resume: on Windows the workers' threads are suspended and resumed. POSIX has no
 // way to stop another thread, so there the suspend operations only clear the running flag:
 // RunTask then places no task until the pool is resumed, and workers finish what they run.
+//
+// Thread rule. The first Instance() may come from any thread (the singleton's mutex); the
+// tear-down (thr_finalize) must not overlap any other call. In between:
+// - RunTask may be called from several threads at once: each worker takes one task at a time,
+//   placed under its slot's mutex. With tries < 1 it waits while the pool is suspended.
+// - AddThreads calls follow one another (the pool's mutex) and may overlap RunTask and the
+//   suspend operations: a worker is seen by them, and by Count, only once it has started. A
+//   suspend that overlaps AddThreads does not suspend the workers it starts (Windows), and a
+//   RunTask that overlaps a suspend may still place its one task.
+// - Suspend and resume calls are not ordered against each other: make them from one thread. On
+//   Windows a suspended worker keeps every lock it holds (the memory layer's, the C runtime's)
+//   until it is resumed.
+// - Count, State, Running, ErrorCondition and SetErrorCondition from any thread (atomic reads,
+//   or the pool's mutex).
+// - TerminateThread and ExitThread act on the calling thread: call them on the worker they name
+//   (ExitThread on the thread that brought the library up ends the process).
+// State(worker) checks its argument (nex_AssertException outside 0 .. kMaxThreads-1).
 #ifndef THR_THREADPOOL_H
 #define THR_THREADPOOL_H
 

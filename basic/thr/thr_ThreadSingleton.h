@@ -5,6 +5,11 @@
 // Slot keys are handed out by thr_ThrSingletonRegistry under the global lock, one per type name,
 // so that the library and the programs using it agree on a type's key even where each binary has
 // its own copy of the template (Windows DLLs).
+//
+// Thread rule: each thread reaches only its own instances, without a lock. Registering a type
+// (its first Key()) takes the global lock. Destruct levels are read without the lock by threads
+// as they end: set them during start-up. Get answers null for an unknown key; Set and
+// SetDestructLevel raise nex_AssertException for one.
 #ifndef THR_THREADSINGLETON_H
 #define THR_THREADSINGLETON_H
 

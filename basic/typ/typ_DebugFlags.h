@@ -3,7 +3,10 @@
 //
 // Two tables of 1024 slots indexed by facility (module) number: the facility's short name (null
 // where unused) and its level (0 at start). The names are filled at start-up from the library's
-// list of facilities; levels are plain ints: set them before other threads read them.
+// list of facilities.
+// Thread rule: the tables are plain ints and pointers without a lock: set levels
+// (SetDebugFlags, ParseDebugFlags) and make or reset the tables before other threads read them;
+// reads may then come from any thread.
 #ifndef TYP_DEBUGFLAGS_H
 #define TYP_DEBUGFLAGS_H
 

@@ -5,7 +5,8 @@
 // count - 1 and does the tear-down only when the old count was exactly 1. The count is not
 // clamped: a surplus tear-down drives it below zero and does nothing, and later start-ups only
 // count back up. The caller's tally moves by one each time a module changes state.
-// Nothing here is locked: the chain runs on one thread.
+// Thread rule: nothing here is locked: the start-up and shut-down chain, and the setting of the
+// observer, run on one thread.
 #ifndef TYP_MODULE_H
 #define TYP_MODULE_H
 

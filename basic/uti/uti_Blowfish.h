@@ -6,6 +6,7 @@
 // its first zero byte (at most 72 of them are used); an empty key leaves the unkeyed initial
 // tables. A length that is not a multiple of 8 raises nex_TextException before anything changes.
 // The object keeps only the cipher state, never the key.
+// Thread rule: one object (it holds the cipher state), one thread at a time.
 #ifndef UTI_BLOWFISH_H
 #define UTI_BLOWFISH_H
 

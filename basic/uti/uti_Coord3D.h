@@ -3,6 +3,7 @@
 // A value type, polymorphic so that persistent subclasses and the class registry can treat it
 // like the library's other persistent objects. Equality is exact float equality of all three
 // coordinates (a NaN coordinate is unequal to everything).
+// Thread rule: a plain value; copies are independent.
 #ifndef UTI_COORD3D_H
 #define UTI_COORD3D_H
 

@@ -16,6 +16,10 @@
 //
 // Copies are values: copying a container that uses a flat array copies the floats into an
 // array the copy owns.
+//
+// Thread rule: one container, one thread at a time; containers that share a list (copies of one
+// another) count as one. An adopted array is read and written in place: its owner keeps off it
+// while the container uses it.
 #ifndef UTI_COORDCONT3D_H
 #define UTI_COORDCONT3D_H
 

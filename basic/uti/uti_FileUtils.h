@@ -7,6 +7,8 @@
 //   3 "<path>: Is a directory"         7 "<path>: Permission denied" (not writeable)
 //   4 "<path>: File not found"         8 "<directory>: Directory permission denied"
 // A name without an extension gets defaultExtension.
+// Thread rule: uti_PreCheckFile resolves the name as utl_FilePath does: no thread may change the
+// environment or the current directory meanwhile.
 #ifndef UTI_FILEUTILS_H
 #define UTI_FILEUTILS_H
 

@@ -4,6 +4,7 @@
 // and answers the 16 raw digest bytes (not hexadecimal text). After Digest the object is finished:
 // further Digest calls answer the same bytes, Append raises nex_AssertException with the text
 // "m_Digest.Empty()" and appends nothing, and Reset starts a new message.
+// Thread rule: one object, one thread at a time.
 #ifndef UTI_MD5_H
 #define UTI_MD5_H
 

@@ -8,6 +8,8 @@
 //   >= 3  a runtime-library descriptor of the parent; starting the child hands it over and closes
 //         it in the parent.
 // Starting a child resets every entry it used (descriptor > 0) to -1, also when the start fails.
+// Descriptor and SetDescriptor take Input, Output or Error (0 to 2); the number is not checked.
+// Thread rule: a plain value; starting a child writes the object it is given (uti_Spawn.h).
 #ifndef UTI_REDIRECTION_H
 #define UTI_REDIRECTION_H
 

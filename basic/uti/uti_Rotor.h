@@ -8,6 +8,11 @@
 // whole strings, each call from the key's initial state: equal inputs give equal outputs.
 //
 // This obscures data; it is not a modern cipher and gives no real secrecy.
+//
+// None of the inspectors checks its arguments: KeyWord(i) needs 0 <= i < 5, Position and Advance
+// 0 <= rotor < Rotors(), Wiring also 0 <= value < Size().
+// Thread rule: one machine (each byte steps it), one thread at a time; a uti_Rotor with its
+// machine likewise.
 #ifndef UTI_ROTOR_H
 #define UTI_ROTOR_H
 

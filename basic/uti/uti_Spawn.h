@@ -16,8 +16,10 @@
 // output, at level 2 also the arguments and the redirected handles, at level 3 the environment;
 // waitForAll reports each reaped child at level 1.
 //
-// Threads: starting changes the inheritance of the parent's standard handles (Windows) and is not
-// locked: start children from one thread at a time.
+// Thread rule: one object, one thread at a time. Starting a child (Start, AndWait, AndExit,
+// Daemon) changes the inheritance of the parent's standard handles (Windows) and reads the
+// environment, without a lock: start children from one thread at a time, while no thread changes
+// the environment. waitForAny and waitForAll take `count` children from the array, unchecked.
 #ifndef UTI_SPAWN_H
 #define UTI_SPAWN_H
 

@@ -13,6 +13,8 @@
 // characters, newlines without the flag, lines of another length, a missing final newline, a
 // newline inside a group, a short group, padding before the end, set bits below the last
 // character's used ones) raises utl_Base64Exception naming the offset of the fault.
+//
+// Thread rule: no shared state; any thread (the strings follow cow_String's rule).
 #ifndef UTL_BASE64_H
 #define UTL_BASE64_H
 

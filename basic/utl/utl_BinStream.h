@@ -12,6 +12,13 @@
 //
 // A negative string length read from a stream raises utl_BinStreamBadLength: nothing is
 // allocated or written for it. Other lengths are taken as written.
+//
+// Thread rule: a stream holds only its descriptor, so the descriptor's position is what is
+// shared. Streams on one descriptor (an input and an output stream, or one stream on two
+// threads) work item by item on that position, each item one or more system calls: used from
+// several threads, their items interleave and one thread's string length can be parted from its
+// bytes. Use a descriptor from one thread at a time. Constructing a stream sets the descriptor
+// to binary mode (Windows). The array readers and writers take n elements at p, unchecked.
 #ifndef UTL_BINSTREAM_H
 #define UTL_BINSTREAM_H
 

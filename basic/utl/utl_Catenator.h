@@ -6,6 +6,8 @@
 // returns a fresh copy, so the result does not hold on to the 992-byte buffer; longer texts share
 // it. In stream mode GetString takes the stream's buffer over; appending after that starts from
 // whatever the stream has left.
+// Thread rule: one object, one thread at a time; a string from GetString may share its text
+// (cow_String's rule).
 #ifndef UTL_CATENATOR_H
 #define UTL_CATENATOR_H
 

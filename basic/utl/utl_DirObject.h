@@ -4,6 +4,9 @@
 // are listed (as subdirectories). A directory that cannot be listed gives an empty snapshot.
 // Entries are full paths (directory + separator + name); filter results are made from the bare
 // file name, so they resolve against the current directory.
+// Thread rule: one object, one thread at a time; the lists it returns share its storage
+// (cow_List's rule). Reading the directory and the filters resolve names as utl_FilePath does:
+// no thread may change the environment or the current directory meanwhile.
 #ifndef UTL_DIROBJECT_H
 #define UTL_DIROBJECT_H
 

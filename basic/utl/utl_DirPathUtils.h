@@ -1,6 +1,7 @@
 // utl_DirPathUtils: trailing separators of directory paths, and the directory test.
 //
 // The separator is the platform's native one: a backslash on Windows, "/" on POSIX systems.
+// Thread rule: no state; any thread.
 #ifndef UTL_DIRPATHUTILS_H
 #define UTL_DIRPATHUTILS_H
 

@@ -14,6 +14,10 @@
 // fail as if the system had returned `error`, so the ordinary failure path runs with its own
 // exception and text; it also counts the calls of every kind until utl_FileTestFaultsOff. The
 // state is per process and atomic; while the hook is off a call costs one relaxed load.
+//
+// Thread rule: one object, one thread at a time. Objects on one file are independent handles:
+// the sharing modes say what they may do together (Windows). The test hook is process-wide:
+// it counts and fails the calls of every thread.
 #ifndef UTL_FILE_H
 #define UTL_FILE_H
 

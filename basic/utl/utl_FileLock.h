@@ -5,6 +5,10 @@
 // POSIX record locks belong to the process: they exclude other processes only, and closing any
 // descriptor of the file releases them. A shared lock needs a descriptor open for reading, an
 // exclusive one a descriptor open for writing.
+//
+// Thread rule: any thread. A POSIX lock does not exclude the process's own threads (nor its other
+// descriptors of the file); a Windows lock excludes every other handle, in this process too.
+// Between the threads of one process, use a mutex.
 #ifndef UTL_FILELOCK_H
 #define UTL_FILELOCK_H
 

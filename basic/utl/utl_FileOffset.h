@@ -1,4 +1,5 @@
 // utl_FileOffset: a signed 64-bit byte position or size in a file.
+// Thread rule: a plain value.
 #ifndef UTL_FILEOFFSET_H
 #define UTL_FILEOFFSET_H
 

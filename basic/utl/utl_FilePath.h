@@ -14,8 +14,55 @@
 // systems "/" is both native and portable, and drive or UNC text is ordinary characters.
 //
 // Expansion stops after a fixed number of replacements (a variable whose value names itself
-// cannot loop). Environment lookup is not safe against another thread changing the environment:
-// resolve paths on one thread at a time.
+// cannot loop).
+//
+// Choosing the base directory. An absolute name has none: POSIX "/x"; Windows "C:\x",
+// "\\host\x" and the drive-less "\xy" (a rooted name needs three characters: "\x" counts as
+// relative). "C:x" takes the current directory of drive C: and loses its "C:". Any other name
+// takes: the directory when it is absolute ("/d"; "C:\d", "\\host\d"); for a directory "C:..."
+// that is not, the current directory of its drive ("C:\" for a name that begins with "\"); for a
+// directory "\d", the current directory's drive in front of it; else the current directory (a
+// relative directory is not used). On Windows that name then loses its leading separators ("\"
+// alone stays). A drive without a current directory gives an empty base.
+// Then trailing separators of the name go (not a lone separator, not the root of "C:\"); the
+// directory part runs to the last separator, and the rest splits at its last dot, the extension
+// keeping the dot; an empty rest reads as ".".
+//
+// Examples (name, directory => base directory | directory part | base name | extension). The
+// current directory is /home/u on POSIX systems; on Windows it is C:\work, which is also the
+// current directory of drive C:, and the variable W is set to "C:\w".
+//   POSIX
+//     "a/b.txt",        ""      => "/home/u/" | "a/"    | "b"              | ".txt"
+//     "b.txt",          "/data" => "/data/"   | ""      | "b"              | ".txt"
+//     "b.txt",          "rel"   => "/home/u/" | ""      | "b"              | ".txt"
+//     "/etc/hosts",     "/data" => ""         | "/etc/" | "hosts"          | ""
+//     "a/b//",          ""      => "/home/u/" | "a/"    | "b"              | ""
+//     "archive.tar.gz", ""      => "/home/u/" | ""      | "archive.tar"    | ".gz"
+//     ".profile",       ""      => "/home/u/" | ""      | ""               | ".profile"
+//     "/",              ""      => ""         | "/"     | ""               | "."
+//     "",               ""      => "/home/u/" | ""      | ""               | "."
+//     "C:\x",           ""      => "/home/u/" | ""      | "C:\x"           | ""
+//     "http://h/a.txt", "/data" => ""         | ""      | "http://h/a.txt" | ""
+//   Windows ("/" reads as "\")
+//     "a/b.txt",        ""         => "C:\work\"  | "a\"        | "b"   | ".txt"
+//     "b.txt",          "D:\data"  => "D:\data\"  | ""          | "b"   | ".txt"
+//     "b.txt",          "\\srv\sh" => "\\srv\sh\" | ""          | "b"   | ".txt"
+//     "b.txt",          "\data"    => "C:\data\"  | ""          | "b"   | ".txt"
+//     "b.txt",          "C:"       => "C:\work\"  | ""          | "b"   | ".txt"
+//     "b.txt",          "rel"      => "C:\work\"  | ""          | "b"   | ".txt"
+//     "C:foo\bar",      "D:\data"  => "C:\work\"  | "foo\"      | "bar" | ""
+//     "C:\foo\bar.txt", "D:\data"  => ""          | "C:\foo\"   | "bar" | ".txt"
+//     "\foo\bar",       "D:\data"  => ""          | "\foo\"     | "bar" | ""
+//     "\\srv\sh\f.txt", ""         => ""          | "\\srv\sh\" | "f"   | ".txt"
+//     "\x",             "D:\data"  => "D:\data\"  | ""          | "x"   | ""
+//     "\x",             "C:"       => "C:\"       | ""          | "x"   | ""
+//     "$W\b.txt",       ""         => ""          | "C:\w\"     | "b"   | ".txt"
+//     "C:\",            ""         => ""          | "C:\"       | ""    | "."
+//     "a\b\\",          ""         => "C:\work\"  | "a\"        | "b"   | ""
+//
+// Thread rule: one object, one thread at a time. Resolving (the constructor, SetFilePath,
+// ExpandEnvironment) reads the environment and the current directory without a lock: no thread
+// may change either while another resolves.
 #ifndef UTL_FILEPATH_H
 #define UTL_FILEPATH_H
 

@@ -12,6 +12,8 @@
 //   local part, or the whole path, when there is none); BaseName is the file part up to its last
 //   ".", Extension what follows that dot (without it).
 // - HasBaseName is false for a file part such as ".profile" (its only dot is first).
+//
+// Thread rule: no state; any thread.
 #ifndef UTL_FILEPATHPARSER_H
 #define UTL_FILEPATHPARSER_H
 

@@ -5,6 +5,9 @@
 // system information and the registry (clock speed); POSIX systems from gethostname, the
 // password database, sysconf and /proc/cpuinfo ("cpu MHz" of the first processor). The processor
 // identification comes from the cpuid instruction on both.
+//
+// Thread rule: every function may be called from any thread. utl_getcwd answers the current
+// directory of the moment, utl_getDate and utl_getTime use the time zone as the process has it.
 #ifndef UTL_HOSTINFO_H
 #define UTL_HOSTINFO_H
 

@@ -45,8 +45,15 @@
 // of the file is corrupt from the start: getSectionLength and getSectionData raise the
 // corruption message for it (so no caller sizes a buffer by a length the file cannot hold),
 // while the sections before it stay readable. Reading a container never allocates or reads
-// more than the file holds. Offsets are 32-bit: a container holds at most 2 GiB. One object is
-// used by one thread at a time.
+// more than the file holds. Offsets are 32-bit: a container holds at most 2 GiB.
+//
+// Indices are not checked: getSectionLength(int), getSectionData(int), SectionName, SectionCrc
+// and SectionLength need 0 <= index < SectionCount(). The by-name readers need a present section
+// (they raise "No section" otherwise), and getSectionData a buffer of getSectionLength bytes.
+//
+// Thread rule: one object, one thread at a time. Two objects on one container, in one process
+// or in two, coordinate as separate writers do: through the lock file. The static functions and
+// the CRC functions may be called from any thread.
 #ifndef UTL_MULTISECTIONFILE_H
 #define UTL_MULTISECTIONFILE_H
 

@@ -14,6 +14,8 @@
 // A lock is stale when its owner ran on this host and no longer runs: no process has its id,
 // the one that has it has ended, or it started at another time. An unknown owner, one on
 // another host, and one that cannot be looked at are never stale.
+//
+// Thread rule: a plain value; the functions may be called from any thread.
 #ifndef UTL_MULTISECTIONLOCKOWNER_H
 #define UTL_MULTISECTIONLOCKOWNER_H
 

@@ -9,6 +9,7 @@
 // POSIX systems: the file index is the inode number, the creation time is the status-change
 // time (no creation time is kept), the normal flag (a Windows attribute) stays clear, and a
 // "handle" is a descriptor.
+// Thread rule: made on any thread; a plain value afterwards.
 #ifndef UTL_STAT_H
 #define UTL_STAT_H
 

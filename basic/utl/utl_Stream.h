@@ -10,6 +10,9 @@
 //
 // utl_StreamSmallReal: while it lives, reals of magnitude below its threshold print as 0. Guards
 // do not nest (the end of an inner guard also ends an outer one).
+//
+// Thread rule: one stream with its guards, one thread at a time; the aio_ostream under it follows
+// its own rule.
 #ifndef UTL_STREAM_H
 #define UTL_STREAM_H
 

@@ -1,5 +1,6 @@
 // aio_ofstream: an output stream to a file, over the C runtime's stdio in binary mode (bytes are
 // written as given, no newline translation). Offsets are 64-bit.
+// Thread rule: one stream, one thread at a time.
 #ifndef AIO_OFSTREAM_H
 #define AIO_OFSTREAM_H
 

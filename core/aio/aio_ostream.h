@@ -3,6 +3,12 @@
 //
 // The free operators (<< for texts, chars, ints, strings) and endl belong to the upper library;
 // this class has members only.
+//
+// Thread rule: one stream, one thread at a time. The exceptions are aio_cout() and aio_cerr(),
+// made once on first use and written by several threads (the thread pool reports failed tasks
+// on aio_cerr): each call writes its text with one fwrite, which the C runtime keeps whole, but
+// a chain of calls can interleave with another thread's, and their failure flag is set without
+// a lock.
 #ifndef AIO_OSTREAM_H
 #define AIO_OSTREAM_H
 

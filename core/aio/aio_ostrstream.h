@@ -3,6 +3,8 @@
 // The buffer is allocated with the stream's allocation function (default mem_OperatorNewThrow);
 // whatever function is given must return blocks that mem_Free releases. The text ends at the
 // write position: seekp moves it within the text written so far and drops what follows it.
+//
+// Thread rule: one stream, one thread at a time.
 #ifndef AIO_OSTRSTREAM_H
 #define AIO_OSTRSTREAM_H
 

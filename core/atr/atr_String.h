@@ -1,6 +1,8 @@
 // atr_String: the public face of atr_StringBase. No data of its own; the operations are the
 // base's, published by atr_StringOps (see atr_StringBase.h for the meaning of positions, counts
 // and sharing).
+// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
+// time.
 #ifndef ATR_STRING_H
 #define ATR_STRING_H
 

@@ -4,6 +4,9 @@
 // derives from atr_StringBase and adds no data: it publishes the base's protected operations,
 // with the chaining ones returning the derived type. See atr_StringBase.h for the meaning of
 // positions, counts and sharing.
+//
+// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
+// time.
 #ifndef ATR_STRINGOPS_H
 #define ATR_STRINGOPS_H
 

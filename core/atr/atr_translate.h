@@ -17,6 +17,10 @@
 // floating (f F e E g G) and pointer (p). A conversion whose argument is missing or of another kind
 // renders as nothing; so does "%n". An incomplete or unknown conversion is copied to the output as
 // written. A null text argument prints as "(null)".
+//
+// Thread rule: one object, one thread at a time. Its text arguments share their representations
+// with the strings they were given and with the object's copies, so atr_StringBase's rule covers
+// all of them.
 #ifndef ATR_TRANSLATE_H
 #define ATR_TRANSLATE_H
 

@@ -11,14 +11,19 @@
 // The pool: each thread carves blocks one after the other from chunks of its own, so that blocks
 // made together lie together; freed blocks are reused a chunk at a time (last freed first), and a
 // chunk whose blocks have all come back is carved afresh. A block freed by another thread goes
-// back to its owner. When a thread ends, its blocks wait for the next new thread. The pool keeps its memory for later small blocks rather than
-// returning it to the system. Builds with the address sanitizer leave the pool out (the sanitizer
-// must see every block); setting the environment variable ZUL_MEM_POOL=off before the first
-// allocation does the same at run time (for other memory checkers, and for comparisons).
+// back to its owner. When a thread ends, its blocks wait for the next new thread. The pool keeps
+// its memory for later small blocks rather than returning it to the system. Builds with the
+// address sanitizer leave the pool out (the sanitizer must see every block); setting the
+// environment variable ZUL_MEM_POOL=off before the first allocation does the same at run time
+// (for other memory checkers, and for comparisons).
 //
 // Test hook: mem_TestFailAllocation(n) makes the n-th allocation from now fail as if the heap were
 // exhausted (1 = the very next one). The count is per process and atomic, so allocations on other
 // threads count too.
+//
+// Thread rule: every function may be called from any thread at any time; the pool's shared parts
+// are locked or atomic, and mem_ThreadObject serves the calling thread only. The thrower and the
+// failure hook are process-wide: setting either affects the allocations of every thread.
 #ifndef MEM_MEMORY_H
 #define MEM_MEMORY_H
 

@@ -1,5 +1,6 @@
 // Raising out-of-memory from code that allocates with mem_Malloc / mem_Realloc (which answer
 // null, as the runtime does) but must not return on failure.
+// Thread rule: any thread; it calls the thrower installed at the moment of the call.
 #ifndef MEM_OUTOFMEMORY_H
 #define MEM_OUTOFMEMORY_H
 

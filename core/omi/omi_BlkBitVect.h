@@ -3,6 +3,9 @@
 // Bits past Size() read as clear. Set(i) past the end grows the vector to i+1 bits; Clear(i)
 // past the end does nothing. Negative indices, and indices past INT_MAX-64, are ignored
 // (Test gives false).
+//
+// Thread rule: one vector, one thread at a time; copies are independent. Blocks() points at
+// BlockCount() words, valid until the next change of the vector.
 #ifndef OMI_BLKBITVECT_H
 #define OMI_BLKBITVECT_H
 

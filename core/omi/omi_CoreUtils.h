@@ -4,6 +4,9 @@
 // raises it and, only when it goes from 0 to 1, adds 1 to `count` and does the start-up work;
 // finalize lowers it and, only when it goes from 1 to 0, subtracts 1 from `count` and tears down.
 // The count is not clamped: a surplus finalize drives it below zero.
+//
+// Thread rule: initialize and finalize run on one thread, before other threads use the library
+// and after they stop.
 #ifndef OMI_COREUTILS_H
 #define OMI_COREUTILS_H
 

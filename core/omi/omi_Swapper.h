@@ -1,4 +1,5 @@
 // omi_Swapper: byte orders and byte swapping.
+// Thread rule: no state; any thread (SwapItems changes only the items it is given).
 #ifndef OMI_SWAPPER_H
 #define OMI_SWAPPER_H
 

@@ -3,6 +3,9 @@
 // Two kinds: a native operating-system code (Win32 error on Windows, errno value on POSIX) in
 // m_NativeErrorCode, or a C runtime errno value in m_CRTErrorCode, marked by m_NativeErrorCode ==
 // 0xFFFFFFFF.
+//
+// Thread rule: a plain value. LastSystemError reads the calling thread's own error, and GetText
+// may be called from any thread.
 #ifndef OMI_SYSTEMERRORCODE_H
 #define OMI_SYSTEMERRORCODE_H
 

@@ -1,5 +1,7 @@
 // omi_Timer: a stopwatch for wall-clock and process CPU time. Time adds up over Start/Stop
 // intervals until Reset; while running, the readings include the current interval.
+// Thread rule: one timer, one thread at a time; WallNow and CpuNow from any thread (the CPU time
+// is the whole process's).
 #ifndef OMI_TIMER_H
 #define OMI_TIMER_H
 

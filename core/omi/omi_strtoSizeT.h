@@ -3,6 +3,8 @@
 // character not used, or text itself when no digits were found. A value beyond SIZE_MAX gives
 // SIZE_MAX and sets errno to ERANGE. A '-' negates in size_t arithmetic, as strtoull does. An
 // invalid base or a null text gives 0 (errno EINVAL).
+//
+// Thread rule: no state; any thread (errno is the calling thread's).
 #ifndef OMI_STRTOSIZET_H
 #define OMI_STRTOSIZET_H
 

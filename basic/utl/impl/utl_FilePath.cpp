@@ -131,6 +131,105 @@ bool StartsWithNetworkConnectors(const cow_String& s)
     return s.StartsWith(kNetworkConnectors);
 }
 
+// "Network connectors", then "/" and the rest of the name after that folder (and one "/").
+cow_String NetworkConnectorName(const cow_String& name)
+{
+    cow_String rest = name;
+    if (StartsWithNetworkConnectors(rest)) {
+        rest = rest.Substr(static_cast<int>(sizeof(kNetworkConnectors)) - 1);
+        if (rest.StartsWith("/"))
+            rest = rest.Substr(1);
+    }
+    cow_String out(kNetworkConnectors);
+    if (!rest.IsEmpty())
+        out.append("/").append(rest);
+    return out;
+}
+
+// Native separators, environment references expanded.
+cow_String NativeExpanded(const cow_String& text)
+{
+    cow_String out(text);
+    if (P::kNativeSeparator != '/')
+        ReplaceChar(out, '/', P::kNativeSeparator);
+    return utl_FilePath::ExpandEnvironment(out);
+}
+
+// The base directory of a name that is neither absolute nor drive-relative.
+cow_String BaseForRelativeName(const cow_String& name, const cow_String& directory)
+{
+    if (directory.Length() >= 3 && (IsUnc(directory) || IsDriveAbsolute(directory)))
+        return directory;
+    if (!P::kHasDrives && directory.StartsWith("/"))
+        return directory;
+    if (StartsWithDrive(directory))
+        return name.StartsWith("\\") ? directory.Substr(0, 2) : P::DriveCurrentDirectory(directory[0]);
+    if (P::kHasDrives && directory.StartsWith("\\")) {
+        cow_String base = utl_getcwd().Substr(0, 2);
+        base += directory;
+        return base;
+    }
+    return utl_getcwd();
+}
+
+// Chooses the base directory (without its trailing separator) and takes off the name what it
+// covers: a drive-relative name ("C:x") loses its drive and, on Windows, a name below the root
+// ("\x") its leading separators ("\" alone stays).
+cow_String ChooseBaseDirectory(cow_String& name, const cow_String& directory)
+{
+    if (IsAbsoluteName(name))
+        return cow_String();
+    if (StartsWithDrive(name) && !IsDriveAbsolute(name)) {
+        const cow_String base = P::DriveCurrentDirectory(name[0]);
+        name = name.Substr(2);
+        return base;
+    }
+    const cow_String base = BaseForRelativeName(name, directory);
+    if (P::kHasDrives && name.StartsWith("\\")) {
+        int skip = 0;
+        while (skip < name.Length() && name[skip] == '\\')
+            ++skip;
+        name = skip == name.Length() ? cow_String("\\") : name.Substr(skip);
+    }
+    return base;
+}
+
+// The name's end: a bare drive gets its root; trailing separators go, but a drive root and a
+// lone separator stay.
+void TrimName(cow_String& name)
+{
+    const char sep = P::kNativeSeparator;
+    if (P::kHasDrives && name.Length() == 2 && StartsWithDrive(name)) {
+        name += sep;
+    } else if (name.Length() > 1 && name[name.Length() - 1] == sep && !(name.Length() == 3 && IsDriveAbsolute(name))) {
+        int end = name.Length();
+        while (end > 1 && name[end - 1] == sep)
+            --end;
+        name = name.Substr(0, end);
+    }
+}
+
+// Directory part up to the last separator (with it); the rest is the file name, "." when
+// empty, split at its last dot into base name and extension (with the dot).
+void SplitName(const cow_String& name, cow_String& dirPart, cow_String& baseName, cow_String& extension)
+{
+    const int lastSep = name.rfind(P::kNativeSeparator);
+    cow_String file = name;
+    if (lastSep >= 0) {
+        dirPart = name.Substr(0, lastSep + 1);
+        file = name.Substr(lastSep + 1);
+    }
+    if (file.IsEmpty())
+        file = ".";
+    const int dot = file.rfind(".");
+    if (dot >= 0) {
+        baseName = file.Substr(0, dot);
+        extension = file.Substr(dot);
+    } else {
+        baseName = file;
+    }
+}
+
 }  // namespace
 
 utl_FilePath::utl_FilePath() : m_isUrl(0), m_isNetworkConnector(0) {}
@@ -174,79 +273,14 @@ void utl_FilePath::SetFilePath(const cow_String& nameIn, const cow_String& direc
     }
     if (StartsWithNetworkConnectors(nameIn) || StartsWithNetworkConnectors(directoryIn)) {
         m_isNetworkConnector = 1;
-        cow_String rest = nameIn;
-        if (StartsWithNetworkConnectors(rest)) {
-            rest = rest.Substr(static_cast<int>(sizeof(kNetworkConnectors)) - 1);
-            if (rest.StartsWith("/"))
-                rest = rest.Substr(1);
-        }
-        m_baseName = kNetworkConnectors;
-        if (!rest.IsEmpty())
-            m_baseName.append("/").append(rest);
+        m_baseName = NetworkConnectorName(nameIn);
         return;
     }
-
-    cow_String name(nameIn), directory(directoryIn);
-    if (P::kNativeSeparator != '/') {
-        ReplaceChar(name, '/', P::kNativeSeparator);
-        ReplaceChar(directory, '/', P::kNativeSeparator);
-    }
-    directory = ExpandEnvironment(directory);
-    name = ExpandEnvironment(name);
-    const char sep = P::kNativeSeparator;
-
-    if (IsAbsoluteName(name)) {
-        m_baseDir = cow_String();
-    } else if (StartsWithDrive(name) && !IsDriveAbsolute(name)) {
-        m_baseDir = P::DriveCurrentDirectory(name[0]);
-        name = name.Substr(2);
-    } else {
-        if (directory.Length() >= 3 && (IsUnc(directory) || IsDriveAbsolute(directory))) {
-            m_baseDir = directory;
-        } else if (!P::kHasDrives && directory.StartsWith("/")) {
-            m_baseDir = directory;
-        } else if (StartsWithDrive(directory)) {
-            m_baseDir = name.StartsWith("\\") ? directory.Substr(0, 2) : P::DriveCurrentDirectory(directory[0]);
-        } else if (P::kHasDrives && directory.StartsWith("\\")) {
-            m_baseDir = utl_getcwd().Substr(0, 2);
-            m_baseDir += directory;
-        } else {
-            m_baseDir = utl_getcwd();
-        }
-        if (P::kHasDrives && name.StartsWith("\\")) {
-            int skip = 0;
-            while (skip < name.Length() && name[skip] == '\\')
-                ++skip;
-            name = skip == name.Length() ? cow_String("\\") : name.Substr(skip);
-        }
-    }
-    m_baseDir = WithTrailingSeparator(m_baseDir);
-
-    // The name's end: a bare drive gets its root; trailing separators go, but a drive root stays.
-    if (P::kHasDrives && name.Length() == 2 && StartsWithDrive(name)) {
-        name += sep;
-    } else if (name.Length() > 1 && name[name.Length() - 1] == sep && !(name.Length() == 3 && IsDriveAbsolute(name))) {
-        int end = name.Length();
-        while (end > 1 && name[end - 1] == sep)
-            --end;
-        name = name.Substr(0, end);
-    }
-
-    const int lastSep = name.rfind(sep);
-    cow_String file = name;
-    if (lastSep >= 0) {
-        m_dirPart = name.Substr(0, lastSep + 1);
-        file = name.Substr(lastSep + 1);
-    }
-    if (file.IsEmpty())
-        file = ".";
-    const int dot = file.rfind(".");
-    if (dot >= 0) {
-        m_baseName = file.Substr(0, dot);
-        m_extension = file.Substr(dot);
-    } else {
-        m_baseName = file;
-    }
+    const cow_String directory = NativeExpanded(directoryIn);
+    cow_String name = NativeExpanded(nameIn);
+    m_baseDir = WithTrailingSeparator(ChooseBaseDirectory(name, directory));
+    TrimName(name);
+    SplitName(name, m_dirPart, m_baseName, m_extension);
 }
 
 cow_String utl_FilePath::PathName() const

@@ -80,6 +80,227 @@ bool AsInteger(const Argument* a, long long& value)
     return false;
 }
 
+// The arguments of one Result() run, and the number of the next argument that a conversion or
+// a "*" without "N$" takes.
+struct ArgumentCursor {
+    const Argument* args;
+    int count;
+    int next;
+
+    const Argument* At(int n) const { return (n >= 1 && n <= count) ? &args[n - 1] : nullptr; }
+    // Argument `position` when it is given (>= 1), else the next one in order.
+    const Argument* Take(int position) { return At(position ? position : next++); }
+};
+
+// One conversion, %[N$][flags][width][.precision][length]conv, as parsed. `format` holds the
+// snprintf format being built: '%' and the flags after parsing; AppendConversion adds the width,
+// the precision and the conversion letter (after "ll" for integers).
+struct Conversion {
+    char format[48];
+    int used;
+    int position;    // N of "N$", 0 without
+    bool leftAlign;  // a '-' flag was given
+    bool bad;        // an argument for '*' is missing or not an integer
+    int width;       // -1: none
+    int precision;   // -1: none
+    Length length;
+    char letter;
+
+    void Add(char c) { format[used++] = c; }
+    void AddNumber(const char* form, int n)
+    {
+        used += std::snprintf(format + used, sizeof format - static_cast<size_t>(used), form, n);
+    }
+    void AddWidthAndPrecision()
+    {
+        if (width >= 0)
+            AddNumber("%d", width);
+        if (precision >= 0)
+            AddNumber(".%d", precision);
+    }
+    void Finish(char c)
+    {
+        format[used++] = c;
+        format[used] = '\0';
+    }
+};
+
+// Keeps a runaway width or precision from eating memory.
+int Clamp(long long v)
+{
+    return static_cast<int>(v > 100000 ? 100000 : v);
+}
+
+void ReadFlags(const char*& q, Conversion& c)
+{
+    while (*q && std::strchr("-+ #0", *q)) {
+        if (*q == '-')
+            c.leftAlign = true;
+        if (c.used < 12)
+            c.Add(*q);
+        ++q;
+    }
+}
+
+// The integer of a "*" or "*M$" (q stands after the '*'); marks the c bad when it is missing.
+long long ReadStarValue(const char*& q, Conversion& c, ArgumentCursor& args)
+{
+    long long v = 0;
+    if (!AsInteger(args.Take(ReadPosition(q)), v))
+        c.bad = true;
+    return v;
+}
+
+void ReadWidth(const char*& q, Conversion& c, ArgumentCursor& args)
+{
+    if (*q == '*') {
+        ++q;
+        long long w = ReadStarValue(q, c, args);
+        if (w < 0) {  // a negative width aligns left
+            if (!c.leftAlign)
+                c.Add('-');
+            w = -w;
+        }
+        c.width = Clamp(w);
+    } else if (IsDigit(*q)) {
+        c.width = Clamp(ReadNumber(q));
+    }
+}
+
+void ReadPrecision(const char*& q, Conversion& c, ArgumentCursor& args)
+{
+    if (*q != '.')
+        return;
+    ++q;
+    if (*q == '*') {
+        ++q;
+        const long long pr = ReadStarValue(q, c, args);
+        c.precision = pr < 0 ? -1 : Clamp(pr);
+    } else {
+        c.precision = Clamp(ReadNumber(q));
+    }
+}
+
+Length ReadLength(const char*& q)
+{
+    if (q[0] == 'h' && q[1] == 'h') {
+        q += 2;
+        return LEN_HH;
+    }
+    if (q[0] == 'l' && q[1] == 'l') {
+        q += 2;
+        return LEN_LL;
+    }
+    switch (*q) {
+    case 'h': ++q; return LEN_H;
+    case 'l': ++q; return LEN_L;
+    case 'z':
+    case 'j':
+    case 't': ++q; return LEN_BIG;
+    case 'L': ++q; return LEN_NONE;  // long double: printed from the double argument
+    default: return LEN_NONE;
+    }
+}
+
+// Parses the conversion after its '%' (q stands after it) and leaves q on the conversion
+// letter, or on the terminator. "*" widths and precisions take their arguments here. False when
+// no known conversion letter follows.
+bool ParseConversion(const char*& q, Conversion& c, ArgumentCursor& args)
+{
+    c.used = 0;
+    c.Add('%');
+    c.position = ReadPosition(q);
+    c.leftAlign = false;
+    c.bad = false;
+    c.width = -1;
+    c.precision = -1;
+    ReadFlags(q, c);
+    ReadWidth(q, c, args);
+    ReadPrecision(q, c, args);
+    c.length = ReadLength(q);
+    c.letter = *q;
+    return c.letter != '\0' && std::strchr("diuxXocsfFeEgGpn", c.letter);
+}
+
+// d i narrow the value as a signed number, u x X o as an unsigned one, as printf's length
+// modifier would; both print as long long.
+void AppendInteger(atr_String& out, Conversion& c, const Argument& a)
+{
+    long long v;
+    if (!AsInteger(&a, v))
+        return;
+    c.Add('l');
+    c.Add('l');
+    c.Finish(c.letter);
+    if (c.letter == 'd' || c.letter == 'i') {
+        switch (c.length) {
+        case LEN_HH: v = static_cast<signed char>(v); break;
+        case LEN_H: v = static_cast<short>(v); break;
+        case LEN_NONE: v = static_cast<int>(v); break;
+        case LEN_L: v = static_cast<long>(v); break;
+        default: break;
+        }
+        AppendOne(out, c.format, v);
+        return;
+    }
+    unsigned long long u = static_cast<unsigned long long>(v);
+    switch (c.length) {
+    case LEN_HH: u = static_cast<unsigned char>(u); break;
+    case LEN_H: u = static_cast<unsigned short>(u); break;
+    case LEN_NONE: u = static_cast<unsigned>(u); break;
+    case LEN_L: u = static_cast<unsigned long>(u); break;
+    default: break;
+    }
+    AppendOne(out, c.format, u);
+}
+
+// Appends one parsed conversion of argument a; an argument of another kind appends nothing.
+void AppendConversion(atr_String& out, Conversion& c, const Argument& a)
+{
+    const bool plain = c.width < 0 && c.precision < 0 && c.used == 1;
+    c.AddWidthAndPrecision();
+    switch (c.letter) {
+    case 'd':
+    case 'i':
+    case 'u':
+    case 'x':
+    case 'X':
+    case 'o':
+        AppendInteger(out, c, a);
+        break;
+    case 'c': {
+        long long v;
+        if (!AsInteger(&a, v))
+            break;
+        c.Finish('c');
+        AppendOne(out, c.format, static_cast<int>(static_cast<unsigned char>(v)));
+        break;
+    }
+    case 's':
+        if (a.kind != atr_translate::ARG_TEXT)
+            break;
+        if (plain) {
+            out.append(a.s);  // plain %s: no formatting needed
+            break;
+        }
+        c.Finish('s');
+        AppendOne(out, c.format, a.s.c_str());
+        break;
+    case 'p':
+        if (a.kind != atr_translate::ARG_POINTER)
+            break;
+        c.Finish('p');
+        AppendOne(out, c.format, a.p);
+        break;
+    default:  // f F e E g G
+        if (a.kind != atr_translate::ARG_DOUBLE)
+            break;
+        c.Finish(c.letter);
+        AppendOne(out, c.format, a.d);
+        break;
+    }
+}
+
 }  // namespace
 
 atr_translate::atr_translate(const char* format) : m_format(format), m_args(nullptr), m_count(0), m_capacity(0) {}
@@ -198,8 +419,8 @@ atr_String atr_translate::Result() const
 {
     atr_String out(m_format.Length() + 16, atr_StringBase::PRESIZE);
     const char* p = m_format.c_str();
-    int seq = 1;  // next argument of a conversion without "N$"
-    auto argAt = [this](int n) -> const Argument* { return (n >= 1 && n <= m_count) ? &m_args[n - 1] : nullptr; };
+    ArgumentCursor args = {m_args, m_count, 1};
+    Conversion c;
 
     while (*p) {
         const char* pct = std::strchr(p, '%');
@@ -214,171 +435,19 @@ atr_String atr_translate::Result() const
             p = q + 1;
             continue;
         }
-
-        // %[N$][flags][width][.precision][length]conv
-        const int position = ReadPosition(q);
-        char fmt[48];
-        int sl = 0;
-        fmt[sl++] = '%';
-        bool leftAlign = false;
-        while (*q && std::strchr("-+ #0", *q)) {
-            if (*q == '-')
-                leftAlign = true;
-            if (sl < 12)
-                fmt[sl++] = *q;
-            ++q;
-        }
-        bool bad = false;  // an argument for '*' missing or not an integer
-        int width = -1;
-        if (*q == '*') {
-            ++q;
-            int n = ReadPosition(q);
-            long long w = 0;
-            if (!AsInteger(argAt(n ? n : seq++), w))
-                bad = true;
-            if (w < 0) {
-                if (!leftAlign)
-                    fmt[sl++] = '-';
-                w = -w;
-            }
-            width = static_cast<int>(w > 100000 ? 100000 : w);
-        } else if (IsDigit(*q)) {
-            width = ReadNumber(q);
-            if (width > 100000)
-                width = 100000;  // keeps a runaway width from eating memory
-        }
-        int precision = -1;
-        if (*q == '.') {
-            ++q;
-            if (*q == '*') {
-                ++q;
-                int n = ReadPosition(q);
-                long long pr = 0;
-                if (!AsInteger(argAt(n ? n : seq++), pr))
-                    bad = true;
-                precision = pr < 0 ? -1 : static_cast<int>(pr > 100000 ? 100000 : pr);
-            } else {
-                precision = ReadNumber(q);
-                if (precision > 100000)
-                    precision = 100000;
-            }
-        }
-        Length len = LEN_NONE;
-        if (q[0] == 'h' && q[1] == 'h') {
-            len = LEN_HH;
-            q += 2;
-        } else if (q[0] == 'l' && q[1] == 'l') {
-            len = LEN_LL;
-            q += 2;
-        } else if (*q == 'h') {
-            len = LEN_H;
-            ++q;
-        } else if (*q == 'l') {
-            len = LEN_L;
-            ++q;
-        } else if (*q == 'z' || *q == 'j' || *q == 't') {
-            len = LEN_BIG;
-            ++q;
-        } else if (*q == 'L') {
-            ++q;  // long double: printed from the double argument
-        }
-        const char conv = *q;
-        if (conv == '\0' || !std::strchr("diuxXocsfFeEgGpn", conv)) {
+        if (!ParseConversion(q, c, args)) {
             // Not a conversion: copy the text as written.
-            const char* stop = conv ? q + 1 : q;
+            const char* stop = *q ? q + 1 : q;
             out.append(pct, static_cast<int>(stop - pct));
             p = stop;
             continue;
         }
         p = q + 1;
-        if (conv == 'n')
+        if (c.letter == 'n')
             continue;  // never writes through an argument
-        const Argument* a = argAt(position ? position : seq++);
-        if (bad || !a)
-            continue;
-
-        if (width >= 0)
-            sl += std::snprintf(fmt + sl, sizeof fmt - static_cast<size_t>(sl), "%d", width);
-        if (precision >= 0)
-            sl += std::snprintf(fmt + sl, sizeof fmt - static_cast<size_t>(sl), ".%d", precision);
-
-        switch (conv) {
-        case 'd':
-        case 'i': {
-            long long v;
-            if (!AsInteger(a, v))
-                break;
-            switch (len) {
-            case LEN_HH: v = static_cast<signed char>(v); break;
-            case LEN_H: v = static_cast<short>(v); break;
-            case LEN_NONE: v = static_cast<int>(v); break;
-            case LEN_L: v = static_cast<long>(v); break;
-            default: break;
-            }
-            fmt[sl++] = 'l';
-            fmt[sl++] = 'l';
-            fmt[sl++] = conv;
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, v);
-            break;
-        }
-        case 'u':
-        case 'x':
-        case 'X':
-        case 'o': {
-            long long s;
-            if (!AsInteger(a, s))
-                break;
-            unsigned long long v = static_cast<unsigned long long>(s);
-            switch (len) {
-            case LEN_HH: v = static_cast<unsigned char>(v); break;
-            case LEN_H: v = static_cast<unsigned short>(v); break;
-            case LEN_NONE: v = static_cast<unsigned>(v); break;
-            case LEN_L: v = static_cast<unsigned long>(v); break;
-            default: break;
-            }
-            fmt[sl++] = 'l';
-            fmt[sl++] = 'l';
-            fmt[sl++] = conv;
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, v);
-            break;
-        }
-        case 'c': {
-            long long v;
-            if (!AsInteger(a, v))
-                break;
-            fmt[sl++] = 'c';
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, static_cast<int>(static_cast<unsigned char>(v)));
-            break;
-        }
-        case 's':
-            if (a->kind != ARG_TEXT)
-                break;
-            if (width < 0 && precision < 0 && sl == 1) {
-                out.append(a->s);  // plain %s: no formatting needed
-                break;
-            }
-            fmt[sl++] = 's';
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, a->s.c_str());
-            break;
-        case 'p':
-            if (a->kind != ARG_POINTER)
-                break;
-            fmt[sl++] = 'p';
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, a->p);
-            break;
-        default:  // f F e E g G
-            if (a->kind != ARG_DOUBLE)
-                break;
-            fmt[sl++] = conv;
-            fmt[sl] = '\0';
-            AppendOne(out, fmt, a->d);
-            break;
-        }
+        const Argument* a = args.Take(c.position);
+        if (!c.bad && a)
+            AppendConversion(out, c, *a);
     }
     // Give back the slack of the pre-sized buffer only when it is large.
     if (out.Capacity() > 2 * out.Length() + 256)
