@@ -10,24 +10,8 @@
 #include <vector>
 
 #include "cls/cls_PTrie.h"
-#include "cow/cow_COW.h"
 #include "cow/cow_String.h"
 #include "mem/mem_Memory.h"
-
-template class cls_PTrie<int, int, 1>;
-template class cls_PTrie<int, float, 1>;
-template class cls_PTrie<int, double, 1>;
-template class cls_PTrie<int, bool, 1>;
-template class cls_PTrie<int, cow_String, 1>;
-
-// Stands in for the persistence value types (cls_Uid: a pair of 32-bit numbers).
-struct UidStandIn {
-    uint32_t high = 0, low = 0;
-    bool operator==(const UidStandIn& o) const { return high == o.high && low == o.low; }
-};
-template class cls_PTrie<int, UidStandIn, 1>;
-template class cls_PTrieIter<int, UidStandIn, 1>;
-template class cow_CountedHld<cls_PTrie<int, UidStandIn, 1>>;
 
 namespace {
 
@@ -345,24 +329,6 @@ TEST(ClsPTrie, FailedInsertsLeaveTheTrieAsItWas)
     EXPECT_EQ(Tracked::alive, alive);
     t.Insert(4, v);
     EXPECT_EQ(t.Size(), 5);
-}
-
-TEST(ClsPTrie, SharedThroughACountedHandle)
-{
-    typedef cls_PTrie<int, UidStandIn, 1> UidTrie;
-    cow_CountedHld<UidTrie> first(new UidTrie);
-    cow_CountedHld<UidTrie> second(first);
-    EXPECT_EQ(first.UseCount(), 2);
-    first.GetPtr()->Insert(-2, UidStandIn{1, 2});
-    first.GetPtr()->Insert(3, UidStandIn{3, 4});
-    const UidStandIn* got = second.GetRef().ConstGetPtr(-2);
-    ASSERT_NE(got, nullptr);
-    EXPECT_EQ(*got, (UidStandIn{1, 2}));
-    std::vector<int> keys;
-    cls_PTrieIter<int, UidStandIn, 1> it(second.GetRef());
-    for (it.First(); !it.IsDone(); it.Next())
-        keys.push_back(it.Key());
-    EXPECT_EQ(keys, (std::vector<int>{3, -2}));
 }
 
 TEST(ClsPTrie, OtherValueTypes)

@@ -7,24 +7,9 @@
 #include <random>
 #include <vector>
 
-#include "atr/atr_String.h"
-#include "cow/cow_1DArrayList.h"
 #include "cow/cow_Btree.h"
 #include "cow/cow_String.h"
 #include "zul_TestSupport.h"
-
-template class cow_Btree<int, int>;
-template class cow_Btree<int, double>;
-template class cow_Btree<int, cow_1DArrayList<int>>;
-template class cow_Btree<float, int>;
-template class cow_Btree<cow_String, int>;
-template class cow_Btree<cow_String, unsigned int>;
-template class cow_Btree<cow_String, float>;
-template class cow_Btree<cow_String, cow_String>;
-template class cow_Btree<cow_String, cow_1DArray<cow_String>>;
-template class cow_Btree<cow_String, cow_1DArrayList<int>>;
-template class cow_Btree<cow_String, cow_Btree<int, int>>;
-template class cow_Btree<atr_String, cow_List<atr_String>>;
 
 namespace {
 

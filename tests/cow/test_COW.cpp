@@ -3,15 +3,6 @@
 
 #include "cow/cow_COW.h"
 #include "mem/mem_Memory.h"
-#include "nex/nex_Exception.h"
-#include "nex/nex_OutOfMemoryException.h"
-
-// The handle instances the library uses directly (the map and tree node handles are instantiated
-// with their containers).
-template class cow_CountedHld<int>;
-template class cow_COW<int>;
-template class cow_COW<nex_Exception, cow_Virtual<nex_Exception>>;
-template class cow_COW<nex_OutOfMemoryException, cow_Virtual<nex_OutOfMemoryException>>;
 
 namespace {
 

@@ -13,9 +13,6 @@
 #include "mem/mem_Memory.h"
 #include "omi/omi_HashValue.h"
 
-template class HashTable<unsigned int, void*>;
-template class HashTable<void*, unsigned int>;
-
 namespace {
 
 using NumberToAddress = HashTable<unsigned int, void*>;

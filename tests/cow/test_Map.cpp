@@ -5,36 +5,8 @@
 #include <random>
 #include <vector>
 
-#include "atr/atr_String.h"
 #include "cow/cow_Map.h"
 #include "zul_TestSupport.h"
-
-template class cow_Map<int, int>;
-template class cow_Map<int, unsigned int>;
-template class cow_Map<int, float>;
-template class cow_Map<int, double>;
-template class cow_Map<int, cow_String>;
-template class cow_Map<int, cow_1DArrayList<int>>;
-template class cow_Map<int, cow_1DArrayList<float>>;
-template class cow_Map<int, cow_1DArrayList<cow_String>>;
-template class cow_Map<unsigned int, int>;
-template class cow_Map<unsigned int, unsigned int>;
-template class cow_Map<unsigned int, cow_String>;
-template class cow_Map<unsigned int, atr_String>;
-template class cow_Map<cow_String, int>;
-template class cow_Map<cow_String, unsigned int>;
-template class cow_Map<cow_String, float>;
-template class cow_Map<cow_String, double>;
-template class cow_Map<cow_String, cow_String>;
-template class cow_Map<cow_String, atr_String>;
-template class cow_Map<cow_String, cow_1DArrayList<int>>;
-template class cow_Map<cow_String, cow_1DArrayList<float>>;
-template class cow_Map<cow_String, cow_1DArrayList<cow_String>>;
-template class cow_Map<cow_String, cow_List<int>>;
-template class cow_Map<cow_String, cow_List<cow_String>>;
-template class cow_ConstMapSortedIt<int, cow_String>;
-template class cow_ConstMapSortedIt<cow_String, float>;
-template class cow_ConstMapSortedIt<cow_String, cow_String>;
 
 namespace {
 
