@@ -10,7 +10,6 @@
 #include <vector>
 
 #include "cls/cls_PTrie.h"
-#include "cow/cow_String.h"
 #include "mem/mem_Memory.h"
 
 namespace {
@@ -286,23 +285,6 @@ TEST(ClsPTrie, FailedInsertsLeaveTheTrieAsItWas)
     EXPECT_EQ(Tracked::alive, alive);
     t.Insert(4, v);
     EXPECT_EQ(t.Size(), 5);
-}
-
-TEST(ClsPTrie, OtherValueTypes)
-{
-    cls_PTrie<int, bool, 1> b;
-    b.Insert(7, true);
-    b.Insert(7, false);
-    EXPECT_FALSE(b.ConstGet(7));
-    cls_PTrie<int, cow_String, 1> s;
-    s.Insert(2, cow_String("two"));
-    s.Insert(INT_MIN, cow_String("min"));
-    s.Insert(0, cow_String("zero"));
-    std::vector<cow_String> values;
-    cls_PTrieIter<int, cow_String, 1> it(s);
-    for (it.First(); !it.IsDone(); it.Next())
-        values.push_back(it.Value());
-    EXPECT_EQ(values, (std::vector<cow_String>{"zero", "two", "min"}));
 }
 
 }  // namespace
