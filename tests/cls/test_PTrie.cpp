@@ -10,24 +10,7 @@
 #include <vector>
 
 #include "cls/cls_PTrie.h"
-#include "cow/cow_COW.h"
-#include "cow/cow_String.h"
 #include "mem/mem_Memory.h"
-
-template class cls_PTrie<int, int, 1>;
-template class cls_PTrie<int, float, 1>;
-template class cls_PTrie<int, double, 1>;
-template class cls_PTrie<int, bool, 1>;
-template class cls_PTrie<int, cow_String, 1>;
-
-// Stands in for the persistence value types (cls_Uid: a pair of 32-bit numbers).
-struct UidStandIn {
-    uint32_t high = 0, low = 0;
-    bool operator==(const UidStandIn& o) const { return high == o.high && low == o.low; }
-};
-template class cls_PTrie<int, UidStandIn, 1>;
-template class cls_PTrieIter<int, UidStandIn, 1>;
-template class cow_CountedHld<cls_PTrie<int, UidStandIn, 1>>;
 
 namespace {
 
@@ -42,20 +25,7 @@ std::vector<int> Keys(const Trie& t)
     return keys;
 }
 
-TEST(ClsPTrie, NegativeKeysComeAfterAllOthers)
-{
-    Trie t;
-    t.Insert(5, 50);
-    t.Insert(1, 10);
-    t.Insert(-1, -10);
-    EXPECT_EQ(Keys(t), (std::vector<int>{1, 5, -1}));
-    t.Insert(INT_MIN, 0);
-    t.Insert(INT_MAX, 0);
-    t.Insert(0, 0);
-    EXPECT_EQ(Keys(t), (std::vector<int>{0, 1, 5, INT_MAX, INT_MIN, -1}));
-}
-
-TEST(ClsPTrie, ZeroAndIntMinBranchOnTheTopBit)
+TEST(ClsPTrie, NegativeKeysComeAfterAllOthersAndBranchOnTheTopBit)
 {
     Trie t;
     t.Insert(0, 1);
@@ -63,10 +33,12 @@ TEST(ClsPTrie, ZeroAndIntMinBranchOnTheTopBit)
     const auto* root = dynamic_cast<const cls_PTrieInternalNode<int, int, 1>*>(t.Root());
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->bit, 31);
-    typedef cls_PTrieLeafNode<int, int, 1> Leaf;
-    const Leaf* zeroSide = dynamic_cast<const Leaf*>(root->child0);
+    const auto* zeroSide = dynamic_cast<const cls_PTrieLeafNode<int, int, 1>*>(root->child0);
     ASSERT_NE(zeroSide, nullptr);
     EXPECT_EQ(zeroSide->key, 0);
+    for (int k : {5, 1, -1, INT_MAX})
+        t.Insert(k, 0);
+    EXPECT_EQ(Keys(t), (std::vector<int>{0, 1, 5, INT_MAX, INT_MIN, -1}));
 }
 
 TEST(ClsPTrie, InsertReplacesAndAnswersTheStoredValue)
@@ -81,53 +53,34 @@ TEST(ClsPTrie, InsertReplacesAndAnswersTheStoredValue)
     EXPECT_EQ(t.ConstGet(8), 30);
 }
 
-TEST(ClsPTrie, RemovalAndLookups)
+TEST(ClsPTrie, AbsentKeysRemovalAndEmptying)
 {
     Trie t;
-    EXPECT_EQ(t.ConstGetPtr(3), nullptr) << "an empty trie answers null";
-    EXPECT_THROW(t.ConstGet(3), nex_TextException);
+    for (int k : {0, 1, -1, INT_MIN, INT_MAX}) {
+        EXPECT_EQ(t.ConstGetPtr(k), nullptr) << "an empty trie answers null";
+        EXPECT_THROW(t.ConstGet(k), nex_TextException);
+    }
     t.Remove(3);
     t.Insert(3, 30);
     t.Insert(2, 20);
     EXPECT_EQ(t.ConstGetPtr(6), nullptr) << "a key sharing a path with a stored one";
+    EXPECT_THROW(t.ConstGet(6), nex_TextException);
     t.Remove(99);
-    EXPECT_EQ(t.Size(), 2);
     t.Remove(3);
     EXPECT_EQ(t.Size(), 1);
     EXPECT_EQ(t.ConstGet(2), 20);
     t.Remove(2);
     EXPECT_EQ(t.Size(), 0);
     EXPECT_EQ(t.Root(), nullptr);
+    EXPECT_EQ(t.ConstGetPtr(2), nullptr);
     cls_PTrieIter<int, int, 1> it(t);
     it.First();
     EXPECT_TRUE(it.IsDone());
-}
-
-TEST(ClsPTrie, RandomOperationsAgreeWithAnUnsignedOrderedMap)
-{
-    std::mt19937 rng(3);
-    Trie t;
-    std::map<unsigned int, int> reference;  // ordered as the trie iterates
-    for (int step = 0; step < 5000; ++step) {
-        const int key = static_cast<int>(rng() % 400) - 200;
-        if (rng() % 3 == 0) {
-            t.Remove(key);
-            reference.erase(static_cast<unsigned int>(key));
-        } else {
-            t.Insert(key, step);
-            reference[static_cast<unsigned int>(key)] = step;
-        }
-    }
-    ASSERT_EQ(t.Size(), static_cast<int>(reference.size()));
-    std::vector<int> expected;
-    for (const auto& kv : reference) {
-        expected.push_back(static_cast<int>(kv.first));
-        EXPECT_EQ(t.ConstGet(static_cast<int>(kv.first)), kv.second);
-    }
-    EXPECT_EQ(Keys(t), expected);
+    t.Insert(4, 4);
     t.Clear();
-    EXPECT_EQ(t.Size(), 0);
-    EXPECT_TRUE(Keys(t).empty());
+    EXPECT_EQ(t.ConstGetPtr(4), nullptr);
+    t.Insert(9, 90);  // usable again
+    EXPECT_EQ(t.ConstGet(9), 90);
 }
 
 typedef cls_PTrieNode<int, int, 1> Node;
@@ -186,34 +139,20 @@ TEST(ClsPTrie, RemovingAMidPathLeafSplicesItsSiblingUp)
     EXPECT_EQ(Keys(t), (std::vector<int>{0, 1, 2, 3, 8, 12}));
 }
 
-TEST(ClsPTrie, EmptyTriesAnswerAbsentForEveryKey)
-{
-    Trie t;
-    for (int k : {0, 1, -1, INT_MIN, INT_MAX}) {
-        EXPECT_EQ(t.ConstGetPtr(k), nullptr);
-        EXPECT_THROW(t.ConstGet(k), nex_TextException);
-    }
-    t.Insert(4, 4);
-    t.Clear();
-    EXPECT_EQ(t.ConstGetPtr(4), nullptr);
-    t.Insert(4, 4);
-    t.Remove(4);
-    EXPECT_EQ(t.ConstGetPtr(4), nullptr);
-    EXPECT_EQ(t.ConstGetPtr(0), nullptr);
-    t.Insert(9, 90);  // usable again
-    EXPECT_EQ(t.ConstGet(9), 90);
-}
-
-TEST(ClsPTrie, FullRangeKeysAgreeWithAMapInUnsignedOrder)
+// Keys from the full range (short shared prefixes) and from -200..199 (long ones, deep paths).
+TEST(ClsPTrie, RandomOperationsAgreeWithAMapInUnsignedOrder)
 {
     std::mt19937 rng(17);
     Trie t;
     std::map<uint32_t, int> reference;
     std::vector<int> used;
-    for (int step = 0; step < 20000; ++step) {
-        const bool reuse = !used.empty() && rng() % 2;
-        const int key = reuse ? used[rng() % used.size()] : static_cast<int>(rng());
-        if (!reuse)
+    for (int step = 0; step < 25000; ++step) {
+        int key = static_cast<int>(rng());
+        if (step >= 20000)
+            key = static_cast<int>(rng() % 400) - 200;
+        else if (!used.empty() && rng() % 2)
+            key = used[rng() % used.size()];
+        else
             used.push_back(key);
         switch (rng() % 4) {
         case 0:
@@ -234,7 +173,7 @@ TEST(ClsPTrie, FullRangeKeysAgreeWithAMapInUnsignedOrder)
             reference[static_cast<uint32_t>(key)] = step;
         }
         ASSERT_EQ(t.Size(), static_cast<int>(reference.size()));
-        if (step % 2000 == 0) {
+        if (step % 2000 == 0 || step == 24999) {
             ASSERT_EQ(CheckShape(t), t.Size());
         }
     }
@@ -243,6 +182,8 @@ TEST(ClsPTrie, FullRangeKeysAgreeWithAMapInUnsignedOrder)
         expected.push_back(static_cast<int>(kv.first));
     EXPECT_EQ(Keys(t), expected);
     EXPECT_EQ(Keys(t), expected) << "a second pass from First gives the same order";
+    t.Clear();
+    EXPECT_TRUE(Keys(t).empty());
 }
 
 // A value that owns heap memory, counts its live copies and can be told to fail copying.
@@ -308,9 +249,8 @@ TEST(ClsPTrie, FailedInsertsLeaveTheTrieAsItWas)
         mem_TestFailAllocation(1);
         EXPECT_ANY_THROW(empty.Insert(1, v));
         mem_TestFailAllocation(0);
-        EXPECT_EQ(empty.Size(), 0);
         EXPECT_EQ(empty.Root(), nullptr);
-        EXPECT_EQ(empty.ConstGetPtr(1), nullptr);
+        EXPECT_EQ(empty.Size(), 0);
     }
     // Later inserts: out of memory at the new leaf (1) or at the new internal node (2).
     for (int k : {1, 2, 6, -3})
@@ -345,49 +285,6 @@ TEST(ClsPTrie, FailedInsertsLeaveTheTrieAsItWas)
     EXPECT_EQ(Tracked::alive, alive);
     t.Insert(4, v);
     EXPECT_EQ(t.Size(), 5);
-}
-
-TEST(ClsPTrie, SharedThroughACountedHandle)
-{
-    typedef cls_PTrie<int, UidStandIn, 1> UidTrie;
-    cow_CountedHld<UidTrie> first(new UidTrie);
-    cow_CountedHld<UidTrie> second(first);
-    EXPECT_EQ(first.UseCount(), 2);
-    first.GetPtr()->Insert(-2, UidStandIn{1, 2});
-    first.GetPtr()->Insert(3, UidStandIn{3, 4});
-    const UidStandIn* got = second.GetRef().ConstGetPtr(-2);
-    ASSERT_NE(got, nullptr);
-    EXPECT_EQ(*got, (UidStandIn{1, 2}));
-    std::vector<int> keys;
-    cls_PTrieIter<int, UidStandIn, 1> it(second.GetRef());
-    for (it.First(); !it.IsDone(); it.Next())
-        keys.push_back(it.Key());
-    EXPECT_EQ(keys, (std::vector<int>{3, -2}));
-}
-
-TEST(ClsPTrie, OtherValueTypes)
-{
-    cls_PTrie<int, double, 1> d;
-    d.Insert(-1, 0.5);
-    d.Insert(1, 1.5);
-    EXPECT_DOUBLE_EQ(d.ConstGet(-1), 0.5);
-    cls_PTrie<int, bool, 1> b;
-    b.Insert(7, true);
-    b.Insert(7, false);
-    EXPECT_FALSE(b.ConstGet(7));
-    EXPECT_EQ(b.Size(), 1);
-    cls_PTrie<int, cow_String, 1> s;
-    s.Insert(2, cow_String("two"));
-    s.Insert(INT_MIN, cow_String("min"));
-    s.Insert(0, cow_String("zero"));
-    std::vector<cow_String> values;
-    cls_PTrieIter<int, cow_String, 1> it(s);
-    for (it.First(); !it.IsDone(); it.Next())
-        values.push_back(it.Value());
-    ASSERT_EQ(values.size(), 3u);
-    EXPECT_EQ(values[0], "zero");
-    EXPECT_EQ(values[1], "two");
-    EXPECT_EQ(values[2], "min");
 }
 
 }  // namespace

@@ -60,32 +60,23 @@ TEST(AtrString, EmptyFormsReadAsEmptyAndCompareEqual)
     atr_String c(static_cast<const char*>(nullptr));
     atr_String d("abc");
     d.Erase();
-    EXPECT_EQ(a.Length(), 0);
-    EXPECT_STREQ(a.c_str(), "");
     EXPECT_EQ(a.c_str(), atr_EmptyText);
     EXPECT_EQ(a.RefCount(), 0);
-    EXPECT_TRUE(a == b);
-    EXPECT_TRUE(b == c);
-    EXPECT_TRUE(c == d);
+    EXPECT_TRUE(a == b && b == c && c == d);
     EXPECT_TRUE(d.IsEmpty());
     EXPECT_TRUE(a == "");
     EXPECT_EQ(a.Compare(nullptr), 0);
-}
+    EXPECT_EQ(atr_String("abc", 0).RefCount(), 0);
 
-TEST(AtrString, ZeroFilledStringIsAValidEmptyString)
-{
-    alignas(atr_String) unsigned char raw[sizeof(atr_String)];
+    alignas(atr_String) unsigned char raw[sizeof(atr_String)];  // all zero bytes: a valid empty string
     std::memset(raw, 0, sizeof raw);
-    const atr_String& s = *reinterpret_cast<const atr_String*>(raw);
-    EXPECT_EQ(s.Length(), 0);
-    EXPECT_STREQ(s.c_str(), "");
+    EXPECT_EQ(S(*reinterpret_cast<const atr_String*>(raw)), "");
     static_assert(sizeof(atr_String) == 2 * sizeof(void*), "two pointers");
 }
 
 TEST(AtrString, CopiesShareAndWritersDetach)
 {
     atr_String a("hello");
-    EXPECT_EQ(a.RefCount(), 1);
     {
         atr_String b(a);
         atr_String c;
@@ -94,20 +85,20 @@ TEST(AtrString, CopiesShareAndWritersDetach)
         EXPECT_EQ(b.c_str(), a.c_str());
         c.append(" world");
         EXPECT_EQ(S(c), "hello world");
-        EXPECT_EQ(S(a), "hello");
         EXPECT_EQ(a.RefCount(), 2);
-        EXPECT_EQ(c.RefCount(), 1);
         b[0] = 'J';
         EXPECT_EQ(S(b), "Jello");
         EXPECT_EQ(S(a), "hello");
         EXPECT_EQ(a.RefCount(), 1);
+        atr_String d(a);
+        d.Erase();  // emptying a sharer drops its reference
+        EXPECT_EQ(d.RefCount(), 0);
+        EXPECT_EQ(a.RefCount(), 1);
     }
-    EXPECT_EQ(a.RefCount(), 1);
     atr_String& self = a;
     a = self;  // self-assignment keeps the text and the count
     EXPECT_EQ(S(a), "hello");
     EXPECT_EQ(a.RefCount(), 1);
-
     atr_String moved(std::move(a));
     EXPECT_EQ(S(moved), "hello");
     EXPECT_EQ(moved.RefCount(), 1);
@@ -130,7 +121,8 @@ TEST(AtrString, ReadersAndNoOpWritersDoNotDetach)
     lower2.ToLower();
     EXPECT_TRUE(lower2.SharesWith(lower));
     EXPECT_TRUE(b.SharesWith(a));
-    EXPECT_EQ(a.RefCount(), 2);
+    EXPECT_TRUE(a.Substr(0).SharesWith(a));
+    EXPECT_TRUE((a + "").SharesWith(a));
 }
 
 TEST(AtrString, AssignmentFromTextChainsAndHandlesAliasing)
@@ -138,7 +130,6 @@ TEST(AtrString, AssignmentFromTextChainsAndHandlesAliasing)
     atr_String a, b;
     a = b = "chain";
     EXPECT_EQ(S(a), "chain");
-    EXPECT_EQ(S(b), "chain");
     EXPECT_EQ(&(a = "x"), &a);
     atr_String s("abcdef");
     s = s.c_str() + 2;  // a text inside the string itself
@@ -152,29 +143,21 @@ TEST(AtrString, ComparisonIsBytewiseOverUnsignedChars)
     atr_String hi("\xC3\xA9");  // bytes above 0x7F sort after ASCII
     atr_String lo("z");
     EXPECT_TRUE(lo < hi);
-    EXPECT_TRUE(hi > "z");
     EXPECT_TRUE("z" < hi);
     EXPECT_LT(lo.Compare(hi), 0);
     EXPECT_TRUE(atr_String("abc") < atr_String("abcd"));
     EXPECT_TRUE(atr_String("B") < atr_String("a"));  // case-sensitive
-    EXPECT_TRUE(atr_String("abc") == "abc");
     EXPECT_TRUE(atr_String("abc") != "abd");
-    EXPECT_TRUE(atr_String("abc") <= atr_String("abc"));
     EXPECT_TRUE(atr_String("abd") >= "abc");
 }
 
-TEST(AtrString, ConstructorsFromCountsCopyExactlyThatMany)
+TEST(AtrString, ConstructorsFromCountsAndNumbers)
 {
     EXPECT_EQ(S(atr_String("abcdef", 3)), "abc");
     const atr_String zeros("a\0b", 3);  // zero bytes inside the count are kept, as Adopt keeps them
-    EXPECT_EQ(zeros.Length(), 3);
     EXPECT_EQ(std::string(zeros.c_str(), 4), std::string("a\0b\0", 4));
+    EXPECT_EQ(zeros.Length(), 3);
     EXPECT_EQ(S(atr_String("abc", -1)), "abc");
-    EXPECT_EQ(atr_String("abc", 0).RefCount(), 0);
-}
-
-TEST(AtrString, NumberConstructors)
-{
     EXPECT_EQ(S(atr_String(-2147483647 - 1)), "-2147483648");
     EXPECT_EQ(S(atr_String(4294967295u)), "4294967295");
     EXPECT_EQ(S(atr_String(0.1f)), "0.1");
@@ -194,7 +177,6 @@ TEST(AtrString, BorrowUsesTheCallersCharactersUntilAWrite)
     atr_String copy(b);
     EXPECT_EQ(copy.c_str(), text);
     copy.append("!");
-    EXPECT_NE(copy.c_str(), static_cast<const char*>(text));
     EXPECT_EQ(S(copy), "borrowed text!");
     // Even a sole holder copies before writing: the caller's characters are never changed.
     b[0] = 'B';
@@ -210,7 +192,6 @@ TEST(AtrString, BorrowUsesTheCallersCharactersUntilAWrite)
 TEST(AtrString, AdoptTakesOwnershipAndGrows)
 {
     atr_String a(MemCopy("adopted"), -1, atr_StringBase::ADOPT);
-    EXPECT_EQ(S(a), "adopted");
     EXPECT_EQ(a.Capacity(), 7);
     a.append(" and grown to something longer");
     EXPECT_EQ(S(a), "adopted and grown to something longer");
@@ -225,9 +206,7 @@ TEST(AtrString, AdoptTakesOwnershipAndGrows)
 TEST(AtrString, PreSizeGivesCapacityKeptByErase)
 {
     atr_String p(992, atr_StringBase::PRESIZE);
-    EXPECT_EQ(p.Length(), 0);
     EXPECT_EQ(p.RefCount(), 1);
-    EXPECT_GE(p.Capacity(), 992);
     const char* storage = p.c_str();
     for (int i = 0; i < 99; ++i)
         p.append("0123456789");
@@ -237,35 +216,6 @@ TEST(AtrString, PreSizeGivesCapacityKeptByErase)
     EXPECT_EQ(p.Length(), 0);
     EXPECT_EQ(p.c_str(), storage);
     EXPECT_GE(p.Capacity(), 992);
-}
-
-TEST(AtrString, AppendInsertWithCountsStartsAndRepeats)
-{
-    atr_String s("ab");
-    s.append("xyz", 2);
-    EXPECT_EQ(S(s), "abxy");
-    s.append("0123456", 2, 3);  // 2 characters from offset 3
-    EXPECT_EQ(S(s), "abxy34");
-    s.append("-", -1, 0, 3);
-    EXPECT_EQ(S(s), "abxy34---");
-    s.append('!', 2);
-    EXPECT_EQ(S(s), "abxy34---!!");
-    s.insert(0, "<<", -1);
-    EXPECT_EQ(S(s), "<<abxy34---!!");
-    s.insert(999, ">");  // past the end: appended
-    EXPECT_EQ(S(s), "<<abxy34---!!>");
-    s.insert(-5, "[");   // before the start: at 0
-    EXPECT_EQ(S(s), "[<<abxy34---!!>");
-    s.insert(3, "ab", -1, 0, 2);
-    EXPECT_EQ(S(s), "[<<ababab" "xy34---!!>");
-    s.append("abc", -1, 10);  // start past the terminator: nothing
-    EXPECT_EQ(S(s), "[<<abababxy34---!!>");
-
-    atr_String self("abc");
-    self.append(self.c_str(), -1, 0, 3);  // source inside the string being grown
-    EXPECT_EQ(S(self), "abcabcabcabc");
-    self.insert(1, self.c_str() + 9, 3);
-    EXPECT_EQ(S(self), "aabcbcabcabcabc");
 }
 
 TEST(AtrString, AppendLoopGrowsGeometrically)
@@ -286,38 +236,58 @@ TEST(AtrString, AppendLoopGrowsGeometrically)
     EXPECT_LT(moves, 40);
 }
 
-TEST(AtrString, EraseAndReplaceAtEdges)
+// Positions outside the string are clamped into it, negative counts run to the end, starts past
+// the terminator give nothing, and a source may lie inside the string being changed.
+TEST(AtrString, EditsClampPositionsAndCounts)
 {
-    atr_String s("0123456789");
-    s.Erase(8);
-    EXPECT_EQ(S(s), "01234567");
-    s.Erase(0, 2);
-    EXPECT_EQ(S(s), "234567");
-    s.Erase(2, 100);
-    EXPECT_EQ(S(s), "23");
-    s.Erase(10, 1);
-    EXPECT_EQ(S(s), "23");
-    s = "0123456789";
-    s.Replace(0, 3, "abc");
-    EXPECT_EQ(S(s), "abc3456789");
-    s.Replace(8, -1, "END");
-    EXPECT_EQ(S(s), "abc34567END");
-    s.Replace(3, 0, "++", 1);
-    EXPECT_EQ(S(s), "abc+34567END");
-    s.Replace(100, 5, "~");
-    EXPECT_EQ(S(s), "abc+34567END~");
-    s.Replace(0, 13, "", 0);
-    EXPECT_TRUE(s.IsEmpty());
-}
-
-TEST(AtrString, EraseAllOfASharedStringDropsTheReference)
-{
-    atr_String a("shared");
-    atr_String b(a);
-    b.Erase();
-    EXPECT_EQ(b.RefCount(), 0);
-    EXPECT_EQ(a.RefCount(), 1);
-    EXPECT_EQ(S(a), "shared");
+    using Edit = void (*)(atr_String&);
+    const struct {
+        const char* before;
+        Edit edit;
+        const char* after;
+    } cases[] = {
+        {"ab", [](atr_String& s) { s.append("xyz", 2); }, "abxy"},
+        {"ab", [](atr_String& s) { s.append("0123456", 2, 3); }, "ab34"},  // 2 characters from offset 3
+        {"ab", [](atr_String& s) { s.append("-", -1, 0, 3); }, "ab---"},
+        {"ab", [](atr_String& s) { s.append('!', 2); }, "ab!!"},
+        {"ab", [](atr_String& s) { s.append("abc", -1, 10); }, "ab"},
+        {"ab", [](atr_String& s) { s.insert(0, "<<", -1); }, "<<ab"},
+        {"ab", [](atr_String& s) { s.insert(999, ">"); }, "ab>"},
+        {"ab", [](atr_String& s) { s.insert(-5, "["); }, "[ab"},
+        {"ab", [](atr_String& s) { s.insert(1, "xy", -1, 0, 2); }, "axyxyb"},
+        {"abc", [](atr_String& s) { s.append(s.c_str(), -1, 0, 3); }, "abcabcabcabc"},
+        {"abcabcabcabc", [](atr_String& s) { s.insert(1, s.c_str() + 9, 3); }, "aabcbcabcabcabc"},
+        {"0123456789", [](atr_String& s) { s.Erase(8); }, "01234567"},
+        {"0123456789", [](atr_String& s) { s.Erase(0, 2); }, "23456789"},
+        {"234567", [](atr_String& s) { s.Erase(2, 100); }, "23"},
+        {"23", [](atr_String& s) { s.Erase(10, 1); }, "23"},
+        {"0123456789", [](atr_String& s) { s.Replace(0, 3, "abc"); }, "abc3456789"},
+        {"0123456789", [](atr_String& s) { s.Replace(8, -1, "END"); }, "01234567END"},
+        {"0123", [](atr_String& s) { s.Replace(3, 0, "++", 1); }, "012+3"},
+        {"0123", [](atr_String& s) { s.Replace(100, 5, "~"); }, "0123~"},
+        {"0123", [](atr_String& s) { s.Replace(0, 13, "", 0); }, ""},
+        {"0123456789", [](atr_String& s) { s = s.Substr(2, 3); }, "234"},
+        {"0123456789", [](atr_String& s) { s = s.Substr(7); }, "789"},
+        {"0123456789", [](atr_String& s) { s = s.Substr(8, 50); }, "89"},
+        {"0123456789", [](atr_String& s) { s = s.Substr(-4, 2); }, "01"},
+        {"0123456789", [](atr_String& s) { s = s.Substr(10); }, ""},
+        {"0123456789", [](atr_String& s) { s = s.Substr(50, 2); }, ""},
+        {"", [](atr_String& s) { EXPECT_EQ(s[0], '\0'); }, ""},  // an empty string gets storage
+        {"ab", [](atr_String& s) { s[5] = s[5]; }, "ab"},         // clamped to the terminator
+        {"ab", [](atr_String& s) { s[-1] = 'X'; }, "Xb"},
+        {"  \t text \r\n", [](atr_String& s) { s.Trim(); }, "text"},
+        {"xxyhixyx", [](atr_String& s) { s.LeftTrim("xy"); }, "hixyx"},
+        {"xxyhixyx", [](atr_String& s) { s.RightTrim("xy"); }, "xxyhi"},
+        {"    ", [](atr_String& s) { s.Trim(" "); }, ""},
+        {"abc", [](atr_String& s) { s.Trim(""); }, "abc"},
+        {"MiXeD 123 \xC3\x89", [](atr_String& s) { s.ToLower(); }, "mixed 123 \xC3\x89"},  // only ASCII letters
+        {"MiXeD 123 \xC3\x89", [](atr_String& s) { s.ToUpper(); }, "MIXED 123 \xC3\x89"},
+    };
+    for (size_t i = 0; i < sizeof cases / sizeof cases[0]; ++i) {
+        atr_String s(cases[i].before);
+        cases[i].edit(s);
+        EXPECT_EQ(S(s), cases[i].after) << "case " << i << " on \"" << cases[i].before << '"';
+    }
 }
 
 TEST(AtrString, FindAndRfind)
@@ -329,7 +299,6 @@ TEST(AtrString, FindAndRfind)
     EXPECT_EQ(s.Find("ab", 6), 6);
     EXPECT_EQ(s.Find("", 8), 8);
     EXPECT_EQ(s.Find("", 9), -1);
-    EXPECT_EQ(s.Find("x"), -1);
     EXPECT_EQ(s.Find("a", -3), 0);
     EXPECT_EQ(s.Find('c', 3), 5);
     EXPECT_EQ(s.Find('z'), -1);
@@ -346,19 +315,12 @@ TEST(AtrString, FindAndRfind)
     EXPECT_EQ(s.rfind('a'), 6);
     EXPECT_EQ(s.rfind('c', 4), 2);
     EXPECT_EQ(s.rfind('z'), -1);
-}
 
-TEST(AtrString, SubstrClampsAndSharesTheWhole)
-{
-    const atr_String s("0123456789");
-    EXPECT_EQ(S(s.Substr(2, 3)), "234");
-    EXPECT_EQ(S(s.Substr(7)), "789");
-    EXPECT_EQ(S(s.Substr(8, 50)), "89");
-    EXPECT_EQ(S(s.Substr(-4, 2)), "01");
-    EXPECT_EQ(s.Substr(10).Length(), 0);
-    EXPECT_EQ(s.Substr(50, 2).Length(), 0);
-    atr_String whole = s.Substr(0);
-    EXPECT_TRUE(whole.SharesWith(s));
+    EXPECT_TRUE(s.StartsWith("abca"));
+    EXPECT_TRUE(s.StartsWith(""));
+    EXPECT_TRUE(s.EndsWith("cab"));
+    EXPECT_FALSE(s.StartsWith("b"));
+    EXPECT_FALSE(atr_String("a").EndsWith("ba"));
 }
 
 TEST(AtrString, SubstituteCountsAndLimits)
@@ -387,43 +349,6 @@ TEST(AtrString, SubstituteCountsAndLimits)
     EXPECT_TRUE(all.IsEmpty());
 }
 
-TEST(AtrString, TrimSetsAndCase)
-{
-    atr_String s("  \t text \r\n");
-    s.Trim();
-    EXPECT_EQ(S(s), "text");
-    atr_String t("xxyhixyx");
-    atr_String t2(t);
-    t.LeftTrim("xy");
-    EXPECT_EQ(S(t), "hixyx");
-    t2.RightTrim("xy");
-    EXPECT_EQ(S(t2), "xxyhi");
-    atr_String only("    ");
-    only.Trim(" ");
-    EXPECT_TRUE(only.IsEmpty());
-    atr_String none("abc");
-    none.Trim("");
-    EXPECT_EQ(S(none), "abc");
-    atr_String c("MiXeD 123 \xC3\x89");
-    c.ToLower();
-    EXPECT_EQ(S(c), "mixed 123 \xC3\x89");  // only ASCII letters change
-    c.ToUpper();
-    EXPECT_EQ(S(c), "MIXED 123 \xC3\x89");
-}
-
-TEST(AtrString, WritableIndexClampsAndEmptyGetsStorage)
-{
-    atr_String e;
-    char& z = e[0];
-    EXPECT_EQ(z, '\0');
-    EXPECT_EQ(e.Length(), 0);
-    atr_String s("ab");
-    s[5] = s[5];  // clamped to the terminator, which stays zero
-    EXPECT_EQ(S(s), "ab");
-    s[-1] = 'X';
-    EXPECT_EQ(S(s), "Xb");
-}
-
 TEST(AtrString, WriteBufferAndSetLength)
 {
     atr_String s("keep");
@@ -450,20 +375,7 @@ TEST(AtrString, FormatAndConcatenation)
     EXPECT_EQ(S(atr_String("a") + "b"), "ab");
     EXPECT_EQ(S("a" + atr_String("b")), "ab");
     EXPECT_EQ(S(atr_String("a") + atr_String("b")), "ab");
-    atr_String x("solo");
-    atr_String y = x + "";
-    EXPECT_TRUE(y.SharesWith(x));
     EXPECT_TRUE(atr_String::Format("%s", "").IsEmpty());
-}
-
-TEST(AtrString, StartsEndsWith)
-{
-    atr_String s("prefix.suffix");
-    EXPECT_TRUE(s.StartsWith("pre"));
-    EXPECT_TRUE(s.EndsWith(".suffix"));
-    EXPECT_FALSE(s.StartsWith("suffix"));
-    EXPECT_FALSE(atr_String("a").EndsWith("ba"));
-    EXPECT_TRUE(s.StartsWith(""));
 }
 
 TEST(AtrString, FailedAllocationLeavesSharedStringUnchanged)
@@ -490,11 +402,8 @@ TEST(AtrString, FailedGrowthOfPrivateStringKeepsIt)
     EXPECT_EQ(S(s), "private");
     EXPECT_EQ(s.c_str(), before);
     EXPECT_EQ(s.RefCount(), 1);
-}
 
-TEST(AtrString, FailedAdoptFreesTheBufferAndThrows)
-{
-    // The buffer belongs to the string from the call on, so a failure must not leak it
+    // An adopted buffer belongs to the string from the call on, so a failure must not leak it
     // (checked by the leak sanitizer in sanitizer builds).
     char* buf = MemCopy("lost");
     mem_TestFailAllocation(1);

@@ -28,21 +28,21 @@ IntList Make(std::initializer_list<int> values)
     return l;
 }
 
-TEST(CowList, PositionIsMinusOneForAMissingElement)
+TEST(CowList, InsertionsRemovalsAndPositions)
 {
-    IntList l = Make({5, 6});
-    EXPECT_EQ(l.Position(6), 1);
+    IntList l;
+    l.Prepend(1).Append(2).Append(3);
+    l.InsertAfter(0, 9).InsertAfter(l.Count(), 4);  // the second appends
+    EXPECT_EQ(Items(l), (std::vector<int>{1, 9, 2, 3, 4}));
+    EXPECT_EQ(l.Position(3), 3);
     EXPECT_EQ(l.Position(7), -1);
     EXPECT_FALSE(l.IsMember(7));
     l.Remove(7);
-    EXPECT_EQ(Items(l), (std::vector<int>{5, 6}));
-}
-
-TEST(CowList, PrependOnEmptyThenAppendKeepsOrder)
-{
-    IntList l;
-    l.Prepend(1).Append(2);
-    EXPECT_EQ(Items(l), (std::vector<int>{1, 2}));
+    l.RemoveIndex(1).RemoveLast();
+    EXPECT_EQ(Items(l), (std::vector<int>{1, 2, 3}));
+    l.Clear();
+    l.RemoveFirst().RemoveLast();
+    EXPECT_EQ(l.Count(), -2) << "removals on an empty list drive the count below zero";
 }
 
 TEST(CowList, RepeatedPrependsMoveBlocksOnlyWhenTheFrontRoomIsUsedUp)
@@ -65,40 +65,23 @@ TEST(CowList, RepeatedPrependsMoveBlocksOnlyWhenTheFrontRoomIsUsedUp)
         ASSERT_LT(l[i], l[i + 1]) << "order lost at " << i;
 }
 
-TEST(CowList, RemoveFirstThenPrependReusesTheFreedPlace)
+TEST(CowList, RemoveFirstFreesFrontPlacesAndBlocks)
 {
     IntList l = Make({1, 2, 3});
     l.RemoveFirst();
     EXPECT_EQ(l.Storage().Offset(), 1);
-    EXPECT_EQ(Items(l), (std::vector<int>{2, 3}));
-    l.Prepend(7);
+    l.Prepend(7);  // reuses the freed place
     EXPECT_EQ(l.Storage().Offset(), 0);
     EXPECT_EQ(Items(l), (std::vector<int>{7, 2, 3}));
-}
 
-TEST(CowList, RemoveFirstAcrossABlockReleasesIt)
-{
-    IntList l;
+    IntList more;
     for (int i = 0; i < 40; ++i)
-        l.Append(i);
-    for (int i = 0; i < 17; ++i)
-        l.RemoveFirst();
-    EXPECT_EQ(l.Count(), 23);
-    EXPECT_EQ(l[0], 17);
-    EXPECT_EQ(l[22], 39);
-}
-
-TEST(CowList, InsertAfterAndRemovals)
-{
-    IntList l = Make({1, 2, 3});
-    l.InsertAfter(0, 9).InsertAfter(l.Count(), 4);  // the second appends
-    EXPECT_EQ(Items(l), (std::vector<int>{1, 9, 2, 3, 4}));
-    l.RemoveIndex(1).RemoveLast();
-    EXPECT_EQ(Items(l), (std::vector<int>{1, 2, 3}));
-    l.Clear();
-    EXPECT_EQ(l.Count(), 0);
-    l.RemoveFirst().RemoveLast();
-    EXPECT_EQ(l.Count(), -2) << "removals on an empty list drive the count below zero";
+        more.Append(i);
+    for (int i = 0; i < 17; ++i)  // across a block, which is released
+        more.RemoveFirst();
+    EXPECT_EQ(more.Count(), 23);
+    EXPECT_EQ(more[0], 17);
+    EXPECT_EQ(more[22], 39);
 }
 
 TEST(CowList, DifferenceKeepsOrderAndRepetitions)
@@ -122,31 +105,25 @@ TEST(CowList, SortLeavesSharersUntouchedAndStoragePrivate)
     IntList().Sort();
 }
 
-TEST(CowList, SortOfObjectsThatCannotBeMovedBytewise)
+TEST(CowList, SortOfObjectsThatCannotBeMovedBytewiseAndOfLists)
 {
     cow_List<std::string> l;
     l.Append("pear").Append("apple").Append("fig").Append("apple");
     l.Sort();
-    EXPECT_EQ(l[0], "apple");
-    EXPECT_EQ(l[1], "apple");
-    EXPECT_EQ(l[2], "fig");
-    EXPECT_EQ(l[3], "pear");
-}
+    EXPECT_EQ(l[0] + l[1] + l[2] + l[3], "appleapplefigpear");
 
-TEST(CowList, SortOfListsIsLexicographic)
-{
-    cow_List<cow_1DArrayList<int>> l;
+    cow_List<cow_1DArrayList<int>> lists;  // lexicographic: {1} < {1, 5} < {2}
     cow_1DArrayList<int> a, b, c;
     a.Append(2);
     b.Append(1);
     b.Append(5);
     c.Append(1);
-    l.Append(a).Append(b).Append(c);
-    l.Sort();
-    EXPECT_EQ(l[0].Count(), 1);
-    EXPECT_EQ(l[0][0], 1);
-    EXPECT_EQ(l[1][1], 5);
-    EXPECT_EQ(l[2][0], 2);
+    lists.Append(a).Append(b).Append(c);
+    lists.Sort();
+    EXPECT_EQ(lists[0].Count(), 1);
+    EXPECT_EQ(lists[0][0], 1);
+    EXPECT_EQ(lists[1][1], 5);
+    EXPECT_EQ(lists[2][0], 2);
 }
 
 TEST(CowList, FailedWritesOnASharedListChangeNothing)

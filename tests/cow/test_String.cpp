@@ -11,53 +11,32 @@
 
 namespace {
 
-TEST(CowString, EmptyFormsReadAlikeAndCompareEqual)
+// cow_String is the library string under another name: the rules are tested in core_atr; here
+// the forwarding constructors and operators.
+TEST(CowString, SharesTextAndComparesAsTheLibraryString)
 {
     cow_String none;
-    cow_String blank("");
     cow_String emptied("abc");
     emptied.Erase();
-    for (const cow_String* s : {&none, &blank, &emptied}) {
-        EXPECT_EQ(s->Length(), 0);
-        EXPECT_STREQ(s->c_str(), "");
-    }
-    EXPECT_EQ(none, blank);
-    EXPECT_EQ(blank, emptied);
-    EXPECT_FALSE(none < blank);
-}
-
-TEST(CowString, CopiesShareUntilOneIsWritten)
-{
+    EXPECT_EQ(none, cow_String(""));
+    EXPECT_EQ(none, emptied);
     cow_String a("shared");
-    {
-        cow_String b(a);
-        EXPECT_EQ(a.RefCount(), 2);
-        EXPECT_EQ(a.c_str(), b.c_str());
-        b.ToLower().append("!");
-        EXPECT_EQ(a.RefCount(), 1);
-        EXPECT_EQ(a, "shared");
-        EXPECT_EQ(b, "shared!");
-        cow_String c(a);
-        EXPECT_EQ(a.RefCount(), 2);
-    }
+    cow_String b(a);
+    EXPECT_EQ(a.RefCount(), 2);
+    b.ToLower().append("!");
+    EXPECT_EQ(a, "shared");
+    EXPECT_EQ(b, "shared!");
     EXPECT_EQ(a.RefCount(), 1);
-}
-
-TEST(CowString, AssignmentOfTextReturnsTheStringItself)
-{
-    cow_String a, b;
-    cow_String& r = (a = "x");
-    EXPECT_EQ(&r, &a);
-    b = a = "chain";
-    EXPECT_EQ(b, "chain");
-}
-
-TEST(CowString, ComparisonIsBytewiseUnsignedAndCaseSensitive)
-{
+    cow_String& r = (b = "x");
+    EXPECT_EQ(&r, &b);
+    EXPECT_EQ(b, "x");
     EXPECT_LT(cow_String("B"), cow_String("a"));
     EXPECT_LT(cow_String("z"), cow_String("\xe9"));  // 0xE9 sorts after ASCII
     EXPECT_LT(cow_String("ab"), cow_String("abc"));
-    EXPECT_NE(cow_String("Abc"), cow_String("abc"));
+    EXPECT_EQ(cow_String(-42), "-42");
+    EXPECT_EQ(cow_String(4000000000u), "4000000000");
+    EXPECT_EQ(cow_String(2.5), "2.5");
+    EXPECT_EQ(cow_String(0.25f), "0.25");
 }
 
 TEST(CowString, OperationsReturnCowStrings)
@@ -76,14 +55,6 @@ TEST(CowString, OperationsReturnCowStrings)
     EXPECT_EQ(s, "-0, W0rld");
 }
 
-TEST(CowString, NumberConstructors)
-{
-    EXPECT_EQ(cow_String(-42), "-42");
-    EXPECT_EQ(cow_String(4000000000u), "4000000000");
-    EXPECT_EQ(cow_String(2.5), "2.5");
-    EXPECT_EQ(cow_String(0.25f), "0.25");
-}
-
 TEST(CowString, LongestStringOfAList)
 {
     cow_List<cow_String> l;
@@ -99,15 +70,11 @@ TEST(CowSystemErrorCode, SocketErrorsComeFromTheTable)
     EXPECT_EQ(cow_SystemErrorCode(11004).GetText(), "WSANO_DATA (11004) Valid name, no data record of requested type.");
 }
 
-TEST(CowSystemErrorCode, RuntimeErrorsUseStrerror)
+TEST(CowSystemErrorCode, RuntimeErrorsUseStrerrorOtherCodesTheSystemText)
 {
     const cow_SystemErrorCode code = cow_SystemErrorCode::FromErrno(ENOENT);
     EXPECT_EQ(code.Code(), 0xFFFFFFFFu);
     EXPECT_EQ(code.GetText(), std::strerror(ENOENT));
-}
-
-TEST(CowSystemErrorCode, OtherCodesUseTheSystemText)
-{
     // Code 2 is "file not found" on both Windows and POSIX systems.
     const cow_String text = cow_SystemErrorCode(2).GetText();
     EXPECT_GT(text.Length(), 0);

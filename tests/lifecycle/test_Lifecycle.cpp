@@ -127,11 +127,4 @@ TEST_F(Lifecycle, ModuleCountsAreNotClamped)
     EXPECT_EQ(count, 0);
 }
 
-TEST_F(Lifecycle, FormalizeEntryPointsDoNothing)
-{
-    uti_formalize();
-    nex_formalize();
-    EXPECT_FALSE(nex_assertFormalize());
-}
-
 }  // namespace

@@ -22,22 +22,17 @@ private:
     atr_String m_text;
 };
 
-TEST(NexReports, UnthrownExceptionShowsEmptyFileAndLineZero)
-{
-    nex_TextException e("disk full");
-    EXPECT_EQ(e.UserReport(), "disk full");
-    EXPECT_EQ(e.DeveloperReport(), "Exception: disk full in file  at line 0");
-}
-
 TEST(NexReports, ThrowRecordsTheSiteAndHandlersSeeTheDynamicType)
 {
+    nex_TextException e("disk full");  // not thrown yet: empty file, line 0
+    EXPECT_EQ(e.UserReport(), "disk full");
+    EXPECT_EQ(e.DeveloperReport(), "Exception: disk full in file  at line 0");
     try {
-        nex_TextException e("boom");
         e.Throw("nex/impl/nex_Demo", 42);
         FAIL() << "Throw returned";
     } catch (const nex_Exception& caught) {
         EXPECT_EQ(caught.DynTypeId(), 0x1F0002u);
-        EXPECT_EQ(caught.DeveloperReport(), "Exception: boom in file nex/impl/nex_Demo at line 42");
+        EXPECT_EQ(caught.DeveloperReport(), "Exception: disk full in file nex/impl/nex_Demo at line 42");
         EXPECT_NE(dynamic_cast<const nex_TextException*>(&caught), nullptr);
     }
 }
@@ -47,11 +42,6 @@ TEST(NexReports, PropagateRethrowsTheConcreteClass)
     nex_BadCastException original("cast");
     nex_Exception& asBase = original;
     EXPECT_THROW(asBase.Propagate(), nex_BadCastException);
-    try {
-        asBase.Propagate();
-    } catch (const nex_Exception& caught) {
-        EXPECT_EQ(caught.DynTypeId(), nex_BadCastException::TypeId());
-    }
 }
 
 TEST(NexReports, EachClassRendersAsItsRuleSays)
@@ -63,7 +53,6 @@ TEST(NexReports, EachClassRendersAsItsRuleSays)
     EXPECT_EQ(DemoCommandException("bad input").UserReport(), "DemoError: bad input");
     const nex_SystemErrorException sys(omi_SystemErrorCode::FromErrno(ENOENT));
     EXPECT_EQ(sys.UserReport(), omi_SystemErrorCode::FromErrno(ENOENT).GetText());
-    EXPECT_GT(sys.UserReport().Length(), 0);
 }
 
 TEST(NexReports, TypeIdsOfEveryClass)

@@ -9,8 +9,6 @@
 #include "uti/uti_CoordCont3D.h"
 #include "zul_TestSupport.h"
 
-template class cow_1DArrayList<uti_Coord3D>;
-
 namespace {
 
 std::vector<float> Flat(const uti_CoordCont3D& c)
