@@ -86,9 +86,7 @@ TEST(thr_Barrier, NoThreadEntersTheNextCycleBeforeAllLeftThePrevious)
             for (int c = 0; c < kCycles; ++c) {
                 arrived[c].fetch_add(1);
                 barrier.BarrierSync(kThreads);
-                if (arrived[c].load() != kThreads)
-                    failures.fetch_add(1);
-                if (c + 1 < kCycles && arrived[c + 1].load() != 0 && arrived[c].load() != kThreads)
+                if (arrived[c].load() != kThreads)  // someone left before everyone had come
                     failures.fetch_add(1);
             }
         });
@@ -109,11 +107,8 @@ TEST(thr_LockPool, HandsOutDistinctLocksAndGrowsByTen)
         locks.push_back(pool.GetLock());
     EXPECT_EQ(pool.Capacity(), 20);
     EXPECT_EQ(pool.HandedOut(), 11);
-    for (int i = 0; i < 11; ++i) {
-        EXPECT_EQ(locks[i]->Number(), i);
-        for (int j = 0; j < i; ++j)
-            EXPECT_NE(locks[i], locks[j]);
-    }
+    for (int i = 0; i < 11; ++i)
+        EXPECT_EQ(locks[i]->Number(), i);  // so eleven distinct locks
     locks[3]->Lock();
     locks[3]->Unlock();
     thr_LockPool::Finalize();
