@@ -96,7 +96,6 @@ TEST(ClsStartUp, NexRegistersItsNineClassesInClassNumberOrder)
 
     EXPECT_EQ(r.ConstGet(nex_ExitException::TypeId()).MaxFieldID(), 1);
     EXPECT_EQ(r.ConstGet(nex_OutOfMemoryException::TypeId()).FindAttribute(2)->m_Type, cls_AttrUid);
-    EXPECT_TRUE(r.InheritanceCheck(nex_OutOfMemoryException::TypeId(), nex_Exception::TypeId()));
 }
 
 TEST(ClsStartUp, OtherModulesRegisterWhereTheirFlagsSay)

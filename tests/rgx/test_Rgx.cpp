@@ -49,9 +49,8 @@ TEST(rgx_match, GroupsSurroundingTextAndIteration)
     EXPECT_STREQ(m.NthString(2).c_str(), "example");
     EXPECT_STREQ(m.NthString(-2).c_str(), "mail ");
     EXPECT_STREQ(m.NthString(-1).c_str(), " now");
-    EXPECT_TRUE(m.NthString(3).IsEmpty());
-    EXPECT_TRUE(m.NthString(1000).IsEmpty());
-    EXPECT_TRUE(m.NthString(-3).IsEmpty());
+    for (int n : {3, 1000, -3})
+        EXPECT_TRUE(m.NthString(n).IsEmpty()) << n;
 
     // Stepping the current pair moves String and the before/after texts with it.
     rgx_ReIterator it = rgx_match("(\\w+)@(\\w+)\\.com", cow_String("mail bob@example.com now"));
@@ -235,11 +234,8 @@ TEST(rgx_ReCompileCache, EachThreadHasItsOwnCache)
     std::thread a(body, 0), b(body, 1);
     a.join();
     b.join();
-    EXPECT_NE(caches[0], caches[1]);
-    EXPECT_NE(caches[0], &mine);
-    EXPECT_NE(caches[1], &mine);
-    EXPECT_FALSE(sawOther[0]);
-    EXPECT_FALSE(sawOther[1]);
+    EXPECT_TRUE(caches[0] != caches[1] && caches[0] != &mine && caches[1] != &mine);
+    EXPECT_FALSE(sawOther[0] || sawOther[1]);
     EXPECT_FALSE(mine.Contains("thread-zero"));
     // The threads' caches went with the threads.
     EXPECT_EQ(thr_ThrSingletonRegistry::ThreadsHolding(key), holdingBefore);
