@@ -128,11 +128,4 @@ TEST(thr_AtomicType, CopyHasItsOwnUnheldMutex)
     }).join();
     EXPECT_EQ(got, 1);
     a.Mutex().Unlock();
-
-    thr_AtomicType<uint64_t> big;
-    big = 1ULL << 40;
-    thr_AtomicType<int> i(7);
-    i = thr_AtomicType<int>(9);
-    EXPECT_EQ(static_cast<uint64_t>(big), 1ULL << 40);
-    EXPECT_EQ(static_cast<int>(i), 9);
 }
