@@ -8,7 +8,6 @@
 
 #include "cls/cls_ClassRegistrar.h"
 #include "cls/cls_MetadataRegistrar.h"
-#include "cls/cls_StorageTypeId.h"
 #include "zul_TestSupport.h"
 
 namespace {
@@ -41,7 +40,7 @@ TEST(ClsRegistrar, VersionsAreKeptAndWalkedInOrder)
     EXPECT_EQ(r.GetPreviousClassVersionNumber(id, 1), -1);
 }
 
-TEST(ClsRegistrar, UnknownIdsAndNamesAnswerTheDefaults)
+TEST(ClsRegistrar, UnknownIdsAndNamesAnswerTheDefaultsAndNamesAreNeverTakenOver)
 {
     cls_ClassRegistrar r;
     r.CreateClassMD("known", 0x500001, 1, nullptr, kRoot);
@@ -52,8 +51,17 @@ TEST(ClsRegistrar, UnknownIdsAndNamesAnswerTheDefaults)
     EXPECT_EQ(r.GetLastClassVersionNumber(0x500002), fallback.GetVersion());
     EXPECT_EQ(r.GetClassMetadata(0x500001, 2).GetClassID(), r.GetClassMetadata(7, 7).GetClassID());
     EXPECT_NE(r.GetClassMetadata(0x500001, 2).GetClassID(), 0x500001u);
-    EXPECT_EQ(r.GetClassID("known"), 0x500001u);
     EXPECT_EQ(r.GetClassID("unknown"), static_cast<unsigned>(cls_ClassRegistrar::UnknownId));
+
+    // A name stays with the first class registered under it, even through a deletion.
+    r.CreateClassMD("known", 0x500002, 1, nullptr, kRoot);
+    EXPECT_EQ(r.GetClassID("known"), 0x500001u);
+    EXPECT_EQ(r.ConstGet(0x500002).GetName(), "known");
+    r.DeleteClass("known", 0x500009);
+    EXPECT_EQ(r.GetClassID("known"), 0x500001u);
+    r.DeleteClass("retired", 0x500009);
+    EXPECT_EQ(r.GetClassID("retired"), 0x500009u);
+    EXPECT_FALSE(r.ClassIsPresent(0x500009));
 }
 
 TEST(ClsRegistrar, FirstRegistrationOfAVersionWins)
@@ -93,55 +101,45 @@ TEST(ClsRegistrar, RepeatedRegistrationWarnsOnlyOnSites)
     EXPECT_EQ(printed, "WARNING: Metadata for class twice version 7 has been initialized more than once.\n");
 }
 
-TEST(ClsRegistrar, NamesAreNeverTakenOver)
-{
-    cls_ClassRegistrar r;
-    r.CreateClassMD("shared", 0x500001, 1, nullptr, kRoot);
-    r.CreateClassMD("shared", 0x500002, 1, nullptr, kRoot);
-    EXPECT_EQ(r.GetClassID("shared"), 0x500001u);
-    EXPECT_EQ(r.ConstGet(0x500002).GetName(), "shared");
-
-    r.DeleteClass("shared", 0x500009);
-    EXPECT_EQ(r.GetClassID("shared"), 0x500001u);
-    r.DeleteClass("retired", 0x500009);
-    EXPECT_EQ(r.GetClassID("retired"), 0x500009u);
-    EXPECT_FALSE(r.ClassIsPresent(0x500009));
-}
-
 TEST(ClsRegistrar, ListsRunInUnsignedIdThenSignedVersionOrder)
 {
     cls_ClassRegistrar r;
-    const unsigned ids[] = {0xFFFFFFF0u, 5u, 0x80000001u};
-    for (unsigned id : ids) {
+    for (unsigned id : {0xFFFFFFF0u, 5u, 0x80000001u}) {
         r.CreateClassMD("c", id, 2, nullptr, kRoot);
         r.CreateClassMD("c", id, -3, nullptr, kRoot);
     }
-    cow_1DArray<cls_ClassMetadataHld> current = r.GetMDList();
-    ASSERT_EQ(current.Size(), 3);
-    EXPECT_EQ(current[0].GetRef().GetClassID(), 5u);
-    EXPECT_EQ(current[1].GetRef().GetClassID(), 0x80000001u);
-    EXPECT_EQ(current[2].GetRef().GetClassID(), 0xFFFFFFF0u);
-    EXPECT_EQ(current[2].GetPtr(), &r.ConstGet(0xFFFFFFF0u));
-    EXPECT_GE(current[0].UseCount(), 2);  // shares the registrar's metadata
-
-    cow_1DArray<cls_ClassMetadataHld> history = r.GetHistoryMDList();
-    ASSERT_EQ(history.Size(), 6);
-    std::vector<std::pair<unsigned, int>> order;
-    for (int i = 0; i < history.Size(); ++i)
-        order.emplace_back(history[i].GetRef().GetClassID(), history[i].GetRef().GetVersion());
-    const std::vector<std::pair<unsigned, int>> expected = {{5u, -3},          {5u, 2},          {0x80000001u, -3},
-                                                            {0x80000001u, 2}, {0xFFFFFFF0u, -3}, {0xFFFFFFF0u, 2}};
-    EXPECT_EQ(order, expected);
+    typedef std::vector<std::pair<unsigned, int>> Entries;
+    auto entries = [](const cow_1DArray<cls_ClassMetadataHld>& list) {
+        Entries out;
+        for (int i = 0; i < list.Size(); ++i)
+            out.emplace_back(list[i].GetRef().GetClassID(), list[i].GetRef().GetVersion());
+        return out;
+    };
+    const cow_1DArray<cls_ClassMetadataHld> current = r.GetMDList();
+    ASSERT_EQ(entries(current), (Entries{{5u, 2}, {0x80000001u, 2}, {0xFFFFFFF0u, 2}}));
+    EXPECT_EQ(current[2].GetPtr(), &r.ConstGet(0xFFFFFFF0u));  // shares the registrar's metadata
+    EXPECT_EQ(entries(r.GetHistoryMDList()),
+              (Entries{{5u, -3}, {5u, 2}, {0x80000001u, -3}, {0x80000001u, 2}, {0xFFFFFFF0u, -3}, {0xFFFFFFF0u, 2}}));
 }
 
-TEST(ClsRegistrar, InheritanceFollowsRegisteredBaseIds)
+std::string g_destroyedBy;
+
+template <char Name>
+void DestroyAs(cls_CowObject* object)
+{
+    g_destroyedBy += Name;
+    cow_Destroy(object);
+}
+
+TEST(ClsRegistrar, HierarchyWalksFollowRegisteredBaseIds)
 {
     cls_ClassRegistrar r;
-    r.CreateClassMD("a", 10, 1, nullptr, kRoot);
+    r.CreateClassMD("a", 10, 1, nullptr, kRoot).AddDtor(&DestroyAs<'A'>);
     r.CreateClassMD("b", 11, 1, nullptr, 10);
-    r.CreateClassMD("c", 12, 1, nullptr, 11);
+    r.CreateClassMD("c", 12, 1, nullptr, 11).AddDtor(&DestroyAs<'C'>);
     r.CreateClassMD("x", 20, 1, nullptr, 21);  // 21 and 20 base each other: a circle
     r.CreateClassMD("y", 21, 1, nullptr, 20);
+    r.CreateClassMD("lone", 30, 1, nullptr, kRoot);
 
     EXPECT_TRUE(r.InheritanceCheck(12, 10));
     EXPECT_TRUE(r.InheritanceCheck(12, kRoot));
@@ -150,40 +148,16 @@ TEST(ClsRegistrar, InheritanceFollowsRegisteredBaseIds)
     EXPECT_TRUE(r.InheritanceCheck(99, 99));  // never registered
     EXPECT_FALSE(r.InheritanceCheck(99, kRoot));
     EXPECT_FALSE(r.InheritanceCheck(20, 10));  // ends instead of circling
-}
 
-std::vector<std::string> g_destroyedBy;
-
-void DestroyAsA(cls_CowObject* object)
-{
-    g_destroyedBy.push_back("A");
-    cow_Destroy(object);
-}
-
-void DestroyAsC(cls_CowObject* object)
-{
-    g_destroyedBy.push_back("C");
-    cow_Destroy(object);
-}
-
-TEST(ClsRegistrar, DeleteCowUsesTheNearestDestructorFunction)
-{
-    cls_ClassRegistrar r;
-    r.CreateClassMD("a", 10, 1, nullptr, kRoot).AddDtor(&DestroyAsA);
-    r.CreateClassMD("b", 11, 1, nullptr, 10);
-    r.CreateClassMD("c", 12, 1, nullptr, 11).AddDtor(&DestroyAsC);
-    r.CreateClassMD("lone", 30, 1, nullptr, kRoot);
+    // Deletion goes through the nearest destructor function up the hierarchy, if there is one.
     g_destroyedBy.clear();
-
     EXPECT_TRUE(r.DeleteCow(12, cow_New<cls_CowObject>(cow_New<int>(1))));
     EXPECT_TRUE(r.DeleteCow(11, cow_New<cls_CowObject>(cow_New<int>(2))));
-    EXPECT_EQ(g_destroyedBy, (std::vector<std::string>{"C", "A"}));
-
     cls_CowObject kept(cow_New<int>(3));
     EXPECT_FALSE(r.DeleteCow(kRoot, &kept));
     EXPECT_FALSE(r.DeleteCow(30, &kept));
     EXPECT_FALSE(r.DeleteCow(77, &kept));
-    EXPECT_EQ(g_destroyedBy.size(), 2u);
+    EXPECT_EQ(g_destroyedBy, "CA");
     EXPECT_EQ(kept.ConstGet(), 3);
 }
 
@@ -255,6 +229,16 @@ void Record(cls_ClassRegistrar& r)
     r.CreateClassMD(g_calls.back().c_str(), 100 + N, 1, nullptr, kRoot);
 }
 
+// The names of a registrar's current classes, in list order.
+std::string Names(cls_ClassRegistrar& r)
+{
+    const cow_1DArray<cls_ClassMetadataHld> list = r.GetMDList();
+    std::string names;
+    for (int i = 0; i < list.Size(); ++i)
+        names += list[i].GetRef().GetName().c_str();
+    return names;
+}
+
 TEST(ClsMetadataRegistrar, FlagBitsChooseRegistrarsAndLists)
 {
     cls_MetadataRegistrar m;
@@ -264,41 +248,20 @@ TEST(ClsMetadataRegistrar, FlagBitsChooseRegistrarsAndLists)
     m.initClassMetadata(&Record<2>, cls_RegisterSecond);
     m.initClassMetadata(&Record<3>, cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);
     EXPECT_EQ(g_calls, (std::vector<std::string>{"A", "B", "C", "D", "D", "D"}));
+    EXPECT_EQ(Names(m.PrimaryRegistrar()), "AD");
+    EXPECT_EQ(Names(m.ThirdRegistrar()), "BD");
+    EXPECT_EQ(Names(m.SecondRegistrar()), "CD");
 
-    EXPECT_EQ(m.PrimaryRegistrar().GetClassID("A"), 100u);
-    EXPECT_EQ(m.PrimaryRegistrar().GetClassID("D"), 103u);
-    EXPECT_EQ(m.PrimaryRegistrar().ClassCount(), 2);
-    EXPECT_EQ(m.ThirdRegistrar().GetClassID("B"), 101u);
-    EXPECT_EQ(m.ThirdRegistrar().ClassCount(), 2);
-    EXPECT_EQ(m.SecondRegistrar().GetClassID("C"), 102u);
-    EXPECT_EQ(m.SecondRegistrar().ClassCount(), 2);
-    ASSERT_EQ(m.ListA().Count(), 2);
-    EXPECT_EQ(m.ListA()[1], &Record<3>);
-    ASSERT_EQ(m.ListB().Count(), 2);
-    EXPECT_EQ(m.ListB()[0], &Record<2>);
-
+    // Replays run list A, then list B, each in registration order; the third registrar's never.
     g_calls.clear();
     cls_ClassRegistrar replay;
     m.initMetadata(&replay, cls_RegisterPrimary | cls_RegisterThird | cls_RegisterSecond);
     EXPECT_EQ(g_calls, (std::vector<std::string>{"A", "D", "C", "D"}));
-    EXPECT_EQ(replay.ClassCount(), 3);
+    EXPECT_EQ(Names(replay), "ACD");
     g_calls.clear();
     cls_ClassRegistrar onlyB;
     m.initMetadata(&onlyB, cls_RegisterSecond | cls_RegisterThird);
     EXPECT_EQ(g_calls, (std::vector<std::string>{"C", "D"}));
-}
-
-class StorageType : public cls_StorageTypeId {
-public:
-    static int Next() { return AllocateId(); }
-};
-
-TEST(ClsStorageTypeId, IdsArePositiveAndConsecutive)
-{
-    const int first = StorageType::Next();
-    EXPECT_GE(first, 1);
-    EXPECT_EQ(StorageType::Next(), first + 1);
-    EXPECT_EQ(StorageType::Next(), first + 2);
 }
 
 }  // namespace

@@ -49,9 +49,8 @@ TEST(rgx_match, GroupsSurroundingTextAndIteration)
     EXPECT_STREQ(m.NthString(2).c_str(), "example");
     EXPECT_STREQ(m.NthString(-2).c_str(), "mail ");
     EXPECT_STREQ(m.NthString(-1).c_str(), " now");
-    EXPECT_TRUE(m.NthString(3).IsEmpty());
-    EXPECT_TRUE(m.NthString(1000).IsEmpty());
-    EXPECT_TRUE(m.NthString(-3).IsEmpty());
+    for (int n : {3, 1000, -3})
+        EXPECT_TRUE(m.NthString(n).IsEmpty()) << n;
 
     // Stepping the current pair moves String and the before/after texts with it.
     rgx_ReIterator it = rgx_match("(\\w+)@(\\w+)\\.com", cow_String("mail bob@example.com now"));
@@ -218,16 +217,14 @@ TEST(rgx_ReCompileCache, EachThreadHasItsOwnCache)
     const int key = thr_ThreadSingleton<rgx_ReCompileCache>::Key();
     const int holdingBefore = thr_ThrSingletonRegistry::ThreadsHolding(key);
     std::atomic<int> arrived{0};
-    rgx_ReCompileCache* caches[2] = {nullptr, nullptr};
     bool sawOther[2] = {true, true};
     auto body = [&](int t) {
         const cow_String own = t == 0 ? "thread-zero" : "thread-one";
         rgx_match(own, own);
-        caches[t] = &rgx_ReCompileCache::Instance();
         arrived.fetch_add(1);
-        while (arrived.load() < 2)  // both caches alive at once, so their addresses differ
+        while (arrived.load() < 2)  // both caches alive and filled at once
             std::this_thread::yield();
-        sawOther[t] = caches[t]->Contains(t == 0 ? "thread-one" : "thread-zero");
+        sawOther[t] = rgx_ReCompileCache::Instance().Contains(t == 0 ? "thread-one" : "thread-zero");
         arrived.fetch_add(1);
         while (arrived.load() < 4)
             std::this_thread::yield();
@@ -235,12 +232,8 @@ TEST(rgx_ReCompileCache, EachThreadHasItsOwnCache)
     std::thread a(body, 0), b(body, 1);
     a.join();
     b.join();
-    EXPECT_NE(caches[0], caches[1]);
-    EXPECT_NE(caches[0], &mine);
-    EXPECT_NE(caches[1], &mine);
-    EXPECT_FALSE(sawOther[0]);
-    EXPECT_FALSE(sawOther[1]);
-    EXPECT_FALSE(mine.Contains("thread-zero"));
+    EXPECT_FALSE(sawOther[0] || sawOther[1]);  // a shared cache would hold both patterns
+    EXPECT_FALSE(mine.Contains("thread-zero") || mine.Contains("thread-one"));
     // The threads' caches went with the threads.
     EXPECT_EQ(thr_ThrSingletonRegistry::ThreadsHolding(key), holdingBefore);
 }

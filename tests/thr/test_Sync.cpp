@@ -86,9 +86,7 @@ TEST(thr_Barrier, NoThreadEntersTheNextCycleBeforeAllLeftThePrevious)
             for (int c = 0; c < kCycles; ++c) {
                 arrived[c].fetch_add(1);
                 barrier.BarrierSync(kThreads);
-                if (arrived[c].load() != kThreads)
-                    failures.fetch_add(1);
-                if (c + 1 < kCycles && arrived[c + 1].load() != 0 && arrived[c].load() != kThreads)
+                if (arrived[c].load() != kThreads)  // someone left before everyone had come
                     failures.fetch_add(1);
             }
         });
@@ -109,11 +107,8 @@ TEST(thr_LockPool, HandsOutDistinctLocksAndGrowsByTen)
         locks.push_back(pool.GetLock());
     EXPECT_EQ(pool.Capacity(), 20);
     EXPECT_EQ(pool.HandedOut(), 11);
-    for (int i = 0; i < 11; ++i) {
-        EXPECT_EQ(locks[i]->Number(), i);
-        for (int j = 0; j < i; ++j)
-            EXPECT_NE(locks[i], locks[j]);
-    }
+    for (int i = 0; i < 11; ++i)
+        EXPECT_EQ(locks[i]->Number(), i);  // so eleven distinct locks
     locks[3]->Lock();
     locks[3]->Unlock();
     thr_LockPool::Finalize();
@@ -133,11 +128,4 @@ TEST(thr_AtomicType, CopyHasItsOwnUnheldMutex)
     }).join();
     EXPECT_EQ(got, 1);
     a.Mutex().Unlock();
-
-    thr_AtomicType<uint64_t> big;
-    big = 1ULL << 40;
-    thr_AtomicType<int> i(7);
-    i = thr_AtomicType<int>(9);
-    EXPECT_EQ(static_cast<uint64_t>(big), 1ULL << 40);
-    EXPECT_EQ(static_cast<int>(i), 9);
 }

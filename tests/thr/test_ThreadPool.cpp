@@ -58,8 +58,12 @@ TEST(thr_ThreadPoolExit, ExitThreadOnTheMainThreadEndsTheProcess)
 
 TEST_F(ThreadPoolTest, RunsATaskWithTheWorkerNumberAndDeletesIt)
 {
+    FunctionTask unplaced([](int) {});
+    EXPECT_FALSE(pool->RunTask(&unplaced, false, 0));  // no workers yet
     ASSERT_EQ(pool->AddThreads(2), 2);
     EXPECT_EQ(pool->Count(), 2);
+    // The workers have waited past their polling second on their signals; a task still starts.
+    std::this_thread::sleep_for(std::chrono::milliseconds(1200));
 
     std::atomic<int> deleted{0};
     std::atomic<int> ranOn{-1};
@@ -67,12 +71,6 @@ TEST_F(ThreadPoolTest, RunsATaskWithTheWorkerNumberAndDeletesIt)
     EXPECT_TRUE(Eventually([&] { return deleted.load() == 1; }));
     EXPECT_EQ(ranOn.load(), 0);  // the first idle worker
     EXPECT_TRUE(Eventually([&] { return pool->State(0) == thr_ThreadPool::kIdle; }));
-}
-
-TEST_F(ThreadPoolTest, WithoutWorkersATaskIsNotPlaced)
-{
-    FunctionTask task([](int) {});
-    EXPECT_FALSE(pool->RunTask(&task, false, 0));
 }
 
 TEST_F(ThreadPoolTest, BusyWorkersRefuseALimitedPlacementAndTheLastWorkerTakesTheRest)
@@ -109,29 +107,6 @@ TEST_F(ThreadPoolTest, BusyWorkersRefuseALimitedPlacementAndTheLastWorkerTakesTh
     EXPECT_TRUE(Eventually([&] { return deleted.load() == 2; }));
 }
 
-TEST_F(ThreadPoolTest, AThrowingTaskSetsTheErrorConditionAndThePoolGoesOn)
-{
-    ASSERT_EQ(pool->AddThreads(1), 1);
-    std::atomic<int> deleted{0};
-    ASSERT_TRUE(pool->RunTask(new FunctionTask([](int) { throw std::runtime_error("task failed on purpose"); }, &deleted)));
-    EXPECT_TRUE(Eventually([&] { return pool->ErrorCondition(); }));
-    EXPECT_TRUE(Eventually([&] { return deleted.load() == 1; }));
-
-    pool->SetErrorCondition(false);
-    std::atomic<bool> ran{false};
-    ASSERT_TRUE(pool->RunTask(new FunctionTask([&](int) { ran = true; })));
-    EXPECT_TRUE(Eventually([&] { return ran.load(); }));
-}
-
-TEST_F(ThreadPoolTest, AWorkerBlockedOnItsSignalStillStartsANewTask)
-{
-    ASSERT_EQ(pool->AddThreads(1), 1);
-    std::this_thread::sleep_for(std::chrono::milliseconds(1200));  // past the polling second
-    std::atomic<bool> ran{false};
-    ASSERT_TRUE(pool->RunTask(new FunctionTask([&](int) { ran = true; })));
-    EXPECT_TRUE(Eventually([&] { return ran.load(); }));
-}
-
 TEST_F(ThreadPoolTest, TearDownDoesNotWaitForAKeepGoingTask)
 {
     ASSERT_EQ(pool->AddThreads(2), 2);
@@ -141,12 +116,12 @@ TEST_F(ThreadPoolTest, TearDownDoesNotWaitForAKeepGoingTask)
     gate.ResetSignal();
     started = false;
     finished = false;
-    ASSERT_TRUE(pool->RunTask(new FunctionTask([](int) {
-                                  started = true;
-                                  gate.WaitForSignal(0);
-                                  finished = true;
-                              }),
-                              true));
+    auto keepGoing = [](int) {
+        started = true;
+        gate.WaitForSignal(0);
+        finished = true;
+    };
+    ASSERT_TRUE(pool->RunTask(new FunctionTask(keepGoing), true));
     ASSERT_TRUE(Eventually([] { return started.load(); }));
     thr_GlobalSingletonBase<thr_ThreadPool>::Finalize();  // returns with the task still running
     EXPECT_FALSE(finished.load());
