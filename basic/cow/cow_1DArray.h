@@ -5,18 +5,18 @@
 // (raising each block's count) and then only the one block it touches. Growth never moves
 // elements: only the table is reallocated, with 16 spare slots each time it must grow.
 // Blocks are made lazily, on the first write to one of their elements, with every element
-// value-initialised (zero for numbers); until then reading one of its elements yields a shared
-// default value, so reads never allocate.
+// value-initialised (zero for numbers); until then reading one of its elements yields a default
+// value that belongs to the calling thread (made at the thread's first such read, one per
+// element type), so reads never change the table.
 //
 // Element i lives in block (i + offset) >> shift at (i + offset) - (block << shift).
 //
 // Contracts: indices are not range-checked (reading outside the table is undefined).
 //
 // Thread rule: the counts of the table and the blocks are plain integers: arrays that share
-// storage (an array and its copies) are used by one thread at a time. The default element is
-// one object for every array of the type: where T carries a count of its own (a list does, a
-// string does not), copying it out of blocks not made yet on two threads at once races on that
-// count, whichever arrays the threads read.
+// storage (an array and its copies) are used by one thread at a time. Arrays that share nothing
+// may be used on different threads: the default element read from blocks not made yet is the
+// calling thread's own, so copying it (a list's default carries a count) never races.
 #ifndef COW_1DARRAY_H
 #define COW_1DARRAY_H
 
@@ -317,8 +317,8 @@ private:
         mem_Free(block);
     }
 
-    // A block not made yet holds only default values: reading it yields the shared default
-    // element, so reads never allocate and never change the table.
+    // A block not made yet holds only default values: reading it yields the default element,
+    // so reads never change the table.
     const T& Element(int32_t full) const
     {
         const Block* block = m_table[full >> m_shift];
@@ -327,11 +327,16 @@ private:
         return DefaultElement();
     }
 
+    // The calling thread's default element (see mem_ThreadObject): made at its first read of a
+    // block not made yet and never written, so threads reading arrays of their own never touch
+    // the same object.
     static const T& DefaultElement()
     {
-        static const T value = T();
-        return value;
+        return *static_cast<const T*>(mem_ThreadObject(&s_defaultTag, &MakeDefault, &DestroyDefault));
     }
+    static void* MakeDefault() { return cow_New<T>(); }
+    static void DestroyDefault(void* value) { cow_Destroy(static_cast<T*>(value)); }
+    static char s_defaultTag;  // names this instance's default element; never written
 
     // Makes a table slot hold a block of its own: a new one when none is made yet, a copy when
     // the block is shared with another table. Requires a private table.
@@ -372,5 +377,8 @@ private:
     int32_t* m_counter;
     Block** m_table;
 };
+
+template <class T>
+char cow_1DArray<T>::s_defaultTag = 0;
 
 #endif

@@ -1,6 +1,6 @@
 // Per-thread state of the memory layer, with real threads (the thread sanitizer preset runs this
 // program): the pool's blocks and states across threads, per-thread objects, and the per-thread
-// default that cow_Map answers for a missing key.
+// defaults that cow_Map answers for a missing key and array lists for blocks not made yet.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -125,6 +125,35 @@ TEST(PerThreadMemory, MissesOnTwoThreadsDoNotShareTheirFallback)
     };
     std::thread a(worker, 0);
     std::thread b(worker, 1);
+    a.join();
+    b.join();
+    EXPECT_EQ(wrong.load(), 0);
+}
+
+// Lists of lists grown past their blocks read default lists, which carry a count: threads reading
+// lists of their own copy the default freely (the thread sanitizer run sees any shared count),
+// and what each reads stays an empty list.
+TEST(PerThreadMemory, DefaultElementsOfUnmadeBlocksAreThreadOwn)
+{
+    std::atomic<int> wrong{0};
+    std::atomic<int> ready{0};
+    auto reader = [&wrong, &ready] {
+        cow_1DArrayList<cow_1DArrayList<int>> lists;
+        lists.Grow(64);
+        // Both threads read at the same time: allocations above may synchronise them through
+        // the memory layer, which would hide a shared default from the sanitizer.
+        ready.fetch_add(1);
+        while (ready.load() < 2)
+            std::this_thread::yield();
+        for (int round = 0; round < 2000; ++round) {
+            const cow_1DArrayList<int> copy = lists[round % 64];
+            int n = 0;
+            const cow_1DArrayList<int>* run = lists.Storage().ConstRun(round % 64, n);
+            wrong += copy.Count() != 0 || n != 1 || run->Count() != 0;
+        }
+    };
+    std::thread a(reader);
+    std::thread b(reader);
     a.join();
     b.join();
     EXPECT_EQ(wrong.load(), 0);

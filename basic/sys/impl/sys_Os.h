@@ -35,8 +35,8 @@ bool sys_RemoveFile(const char* path, uint32_t& error);
 // when the system has none).
 cow_String sys_ErrorText(uint32_t code);
 
-// The host's name (up to 256 characters). On Windows the socket layer is started first and left
-// running (the name needs it).
+// The host's name (up to 256 characters). On Windows the socket layer is started for the call and
+// cleaned up after it (the layer counts its users, so a caller's own start is unaffected).
 [[nodiscard]] bool sys_HostName(cow_String& name, uint32_t& error);
 
 // Room for a start-time text and its terminating zero.

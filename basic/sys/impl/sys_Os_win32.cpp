@@ -125,6 +125,7 @@ cow_String sys_ErrorText(uint32_t code)
 
 bool sys_HostName(cow_String& name, uint32_t& error)
 {
+    // The socket layer counts its users: this call's start is paired with its own clean-up.
     WSADATA data;
     const int started = WSAStartup(MAKEWORD(1, 1), &data);
     if (started != 0) {
@@ -132,10 +133,12 @@ bool sys_HostName(cow_String& name, uint32_t& error)
         return false;
     }
     char buffer[257];
-    if (gethostname(buffer, 256) != 0) {
+    const bool named = gethostname(buffer, 256) == 0;
+    if (!named)
         error = static_cast<uint32_t>(WSAGetLastError());
+    WSACleanup();
+    if (!named)
         return false;
-    }
     buffer[256] = '\0';
     name = cow_String(buffer);
     return true;

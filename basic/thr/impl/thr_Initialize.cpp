@@ -18,6 +18,8 @@ void StartUp()
 {
     StartUpHook(0);
     thr_GlobalLock::Instance();
+    // Made here, before any thread can ask for it: its first Instance() takes no lock.
+    (void)thr_LockPool::Instance();
     thr_ThreadPool::SetMainThread();
 }
 
