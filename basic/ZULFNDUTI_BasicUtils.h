@@ -1,4 +1,5 @@
-// Every public header of ZULFNDUTI_CoreUtils and ZULFNDUTI_BasicUtils.
+/// @file
+/// Every public header of ZULFNDUTI_CoreUtils and ZULFNDUTI_BasicUtils.
 #ifndef ZULFNDUTI_BASICUTILS_H
 #define ZULFNDUTI_BASICUTILS_H
 

@@ -1,4 +1,5 @@
-// Export macro of ZULFNDUTI_BasicUtils.
+/// @file
+/// Export macro of ZULFNDUTI_BasicUtils.
 #ifndef ZUL_BASICEXPORT_H
 #define ZUL_BASICEXPORT_H
 

@@ -1,13 +1,16 @@
-// Compiler idioms for the public headers, each with a fallback for compilers that lack it, so
-// that the headers compile for any client compiler:
-//   ZUL_LIKELY(x), ZUL_UNLIKELY(x)   a branch hint; (x) as a bool where there is none
-//   ZUL_PRINTF_FORMAT(f, a)          a printf-format check of parameter f with the arguments
-//                                    from parameter a (1-based, counting `this`); nothing where
-//                                    there is none
-//   ZUL_PREFETCH(p)                  a hint to start loading the memory at p; nothing where
-//                                    there is none
-//   zul_CountLeadingZeros32(v)       the number of zero bits above the highest set bit of a
-//                                    nonzero 32-bit value (31 for 1); v must not be 0
+/// @file
+/// Compiler idioms for the public headers, each with a fallback for compilers that lack it, so
+/// that the headers compile for any client compiler:
+/// @code{.unparsed}
+///   ZUL_LIKELY(x), ZUL_UNLIKELY(x)   a branch hint; (x) as a bool where there is none
+///   ZUL_PRINTF_FORMAT(f, a)          a printf-format check of parameter f with the arguments
+///                                    from parameter a (1-based, counting `this`); nothing where
+///                                    there is none
+///   ZUL_PREFETCH(p)                  a hint to start loading the memory at p; nothing where
+///                                    there is none
+///   zul_CountLeadingZeros32(v)       the number of zero bits above the highest set bit of a
+///                                    nonzero 32-bit value (31 for 1); v must not be 0
+/// @endcode
 #ifndef ZUL_COMPILER_H
 #define ZUL_COMPILER_H
 
@@ -29,7 +32,7 @@
 #define ZUL_PREFETCH(p) static_cast<void>(p)
 #endif
 
-// The loop that every compiler can run: the position of the highest set bit, counted down.
+/// The loop that every compiler can run: the position of the highest set bit, counted down.
 inline int zul_CountLeadingZeros32Portable(uint32_t v)
 {
     int n = 0;

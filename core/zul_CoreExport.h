@@ -1,4 +1,5 @@
-// Export macro of ZULFNDUTI_CoreUtils.
+/// @file
+/// Export macro of ZULFNDUTI_CoreUtils.
 #ifndef ZUL_COREEXPORT_H
 #define ZUL_COREEXPORT_H
 

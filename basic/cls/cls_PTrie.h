@@ -1,25 +1,26 @@
-// cls_PTrie<K, V, N>: a crit-bit (Patricia) trie from fixed-width keys to values.
-//
-// Keys are N 32-bit words (the library uses K = int, N = 1: the int's bit pattern). Internal
-// nodes hold only the bit they branch on (31 is the most significant); leaves hold a key and a
-// value; a search compares keys only at the one leaf it reaches. Iteration runs in ascending order
-// of the unsigned bit patterns, so negative int keys come after all non-negative ones: 0, 1, ...,
-// 2147483647, -2147483648, ..., -1.
-//
-// Looking up a key in an empty trie or a key that is absent: ConstGetPtr answers null and
-// ConstGet raises nex_TextException. A failed insertion (out of memory) changes nothing. An
-// iterator reads the trie in place: the trie must outlive it and not change while it walks, and
-// Key() and Value() are read only while IsDone() is false. cls_PTrieKey::Bit(b) needs 0 <= b < 32.
-//
-// Shared tries are held through cow_CountedHld<cls_PTrie<...>> (no copy-on-write: the trie itself
-// cannot be copied). Nodes come from the memory layer through mem_AllocationOperators.
-//
-// The library's instances are cls_PTrie<int, V, 1> for V = cls_ArrayPrimBuffer<int>, <float>,
-// <double>, <bool>, <cow_String> and cls_Uid; those value types come with the persistence classes
-// and are not instantiated yet. The template works with any copy-constructible, copy-assignable V.
-// Only N = 1 (one 32-bit word) is supported: the difference scan and the "done" code 32 assume it.
-//
-// Thread rule: one trie with its iterators and its holders (plain counts), one thread at a time.
+/// @class cls_PTrie
+/// cls_PTrie<K, V, N>: a crit-bit (Patricia) trie from fixed-width keys to values.
+///
+/// Keys are N 32-bit words (the library uses K = int, N = 1: the int's bit pattern). Internal
+/// nodes hold only the bit they branch on (31 is the most significant); leaves hold a key and a
+/// value; a search compares keys only at the one leaf it reaches. Iteration runs in ascending order
+/// of the unsigned bit patterns, so negative int keys come after all non-negative ones: 0, 1, ...,
+/// 2147483647, -2147483648, ..., -1.
+///
+/// Looking up a key in an empty trie or a key that is absent: ConstGetPtr answers null and
+/// ConstGet raises nex_TextException. A failed insertion (out of memory) changes nothing. An
+/// iterator reads the trie in place: the trie must outlive it and not change while it walks, and
+/// Key() and Value() are read only while IsDone() is false. cls_PTrieKey::Bit(b) needs 0 <= b < 32.
+///
+/// Shared tries are held through cow_CountedHld<cls_PTrie<...>> (no copy-on-write: the trie itself
+/// cannot be copied). Nodes come from the memory layer through mem_AllocationOperators.
+///
+/// The library's instances are cls_PTrie<int, V, 1> for V = `cls_ArrayPrimBuffer<int>`, `<float>`,
+/// `<double>`, `<bool>`, `<cow_String>` and cls_Uid; those value types come with the persistence classes
+/// and are not instantiated yet. The template works with any copy-constructible, copy-assignable V.
+/// Only N = 1 (one 32-bit word) is supported: the difference scan and the "done" code 32 assume it.
+///
+/// Thread rule: one trie with its iterators and its holders (plain counts), one thread at a time.
 #ifndef CLS_PTRIE_H
 #define CLS_PTRIE_H
 
@@ -29,6 +30,7 @@
 #include "nex/nex_Exception.h"
 #include "zul_Compiler.h"
 
+/// A key as N 32-bit words, with access to its bits.
 template <class K, int N>
 struct cls_PTrieKey {
     static_assert(N == 1, "cls_PTrie keys are one 32-bit word");
@@ -43,20 +45,23 @@ class cls_PTrie;
 template <class K, class V, int N>
 class cls_PTrieIter;
 
+/// A node of the trie: an internal node or a leaf.
 template <class K, class V, int N>
 class cls_PTrieNode : public mem_AllocationOperators {
 public:
+    /// What Insert answers when it is done: above every bit index.
     enum { Done = 32 };
     virtual ~cls_PTrieNode() {}
     virtual const V* Locate(const cls_PTrie<K, V, N>& trie) const = 0;
-    // Done, or the most significant bit in which the key differs from this subtree's leaf.
+    /// Done, or the most significant bit in which the key differs from this subtree's leaf.
     virtual int Insert(cls_PTrie<K, V, N>& trie, const K& key, const V& value) = 0;
-    // The node that now stands in this node's place (null when nothing is left).
+    /// The node that now stands in this node's place (null when nothing is left).
     virtual cls_PTrieNode* Remove(cls_PTrie<K, V, N>& trie, const K& key) = 0;
-    // 1 when a leaf became current, 0 to move on.
+    /// 1 when a leaf became current, 0 to move on.
     virtual int Next(cls_PTrieIter<K, V, N>& iter) const = 0;
 };
 
+/// A leaf: one key and its value.
 template <class K, class V, int N>
 class cls_PTrieLeafNode : public cls_PTrieNode<K, V, N> {
 public:
@@ -104,6 +109,7 @@ public:
     V value;
 };
 
+/// An internal node: the bit it branches on and its two children.
 template <class K, class V, int N>
 class cls_PTrieInternalNode : public cls_PTrieNode<K, V, N> {
     typedef cls_PTrieNode<K, V, N> Node;
@@ -173,7 +179,7 @@ public:
 
     int Size() const { return m_size; }
 
-    // Stores the value (replacing the value of a present key) and answers the stored value.
+    /// Stores the value (replacing the value of a present key) and answers the stored value.
     V& Insert(const K& key, const V& value)
     {
         m_scratch = cls_PTrieKey<K, N>(key);
@@ -247,8 +253,8 @@ private:
     void IncSize() { ++m_size; }
     void DecSize() { --m_size; }
 
-    // A new leaf for the key beside `old`, under a new node branching on bit d. Both are made
-    // before anything changes, so a failed allocation leaves the trie as it was.
+    /// A new leaf for the key beside `old`, under a new node branching on bit d. Both are made
+    /// before anything changes, so a failed allocation leaves the trie as it was.
     Node* Branch(int d, const K& key, const V& value, Node* old)
     {
         Leaf* leaf = new Leaf(key, value);
@@ -270,6 +276,7 @@ private:
     Leaf* m_item;
 };
 
+/// Walks the trie in place, in ascending order of the keys' unsigned bit patterns.
 template <class K, class V, int N>
 class cls_PTrieIter {
 public:

@@ -1,6 +1,7 @@
-// cls_Uid: the identity that the persistence layer gives an object (a 64-bit value; 0 is the
-// null identity of an object that has none yet).
-// Thread rule: a plain value; copies are independent.
+/// @class cls_Uid
+/// cls_Uid: the identity that the persistence layer gives an object (a 64-bit value; 0 is the
+/// null identity of an object that has none yet).
+/// Thread rule: a plain value; copies are independent.
 #ifndef CLS_UID_H
 #define CLS_UID_H
 

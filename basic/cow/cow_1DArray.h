@@ -1,22 +1,23 @@
-// Copy-on-write, block-organised array: the storage under cow_1DArrayList and cow_List.
-//
-// Elements live in blocks of 2^shift (16) elements. The table of block pointers and the blocks
-// are shared between copies: copying an array costs one increment; a write copies the table
-// (raising each block's count) and then only the one block it touches. Growth never moves
-// elements: only the table is reallocated, with 16 spare slots each time it must grow.
-// Blocks are made lazily, on the first write to one of their elements, with every element
-// value-initialised (zero for numbers); until then reading one of its elements yields a default
-// value that belongs to the calling thread (made at the thread's first such read, one per
-// element type), so reads never change the table.
-//
-// Element i lives in block (i + offset) >> shift at (i + offset) - (block << shift).
-//
-// Contracts: indices are not range-checked (reading outside the table is undefined).
-//
-// Thread rule: the counts of the table and the blocks are plain integers: arrays that share
-// storage (an array and its copies) are used by one thread at a time. Arrays that share nothing
-// may be used on different threads: the default element read from blocks not made yet is the
-// calling thread's own, so copying it (a list's default carries a count) never races.
+/// @class cow_1DArray
+/// Copy-on-write, block-organised array: the storage under cow_1DArrayList and cow_List.
+///
+/// Elements live in blocks of 2^shift (16) elements. The table of block pointers and the blocks
+/// are shared between copies: copying an array costs one increment; a write copies the table
+/// (raising each block's count) and then only the one block it touches. Growth never moves
+/// elements: only the table is reallocated, with 16 spare slots each time it must grow.
+/// Blocks are made lazily, on the first write to one of their elements, with every element
+/// value-initialised (zero for numbers); until then reading one of its elements yields a default
+/// value that belongs to the calling thread (made at the thread's first such read, one per
+/// element type), so reads never change the table.
+///
+/// Element i lives in block (i + offset) >> shift at (i + offset) - (block << shift).
+///
+/// Contracts: indices are not range-checked (reading outside the table is undefined).
+///
+/// Thread rule: the counts of the table and the blocks are plain integers: arrays that share
+/// storage (an array and its copies) are used by one thread at a time. Arrays that share nothing
+/// may be used on different threads: the default element read from blocks not made yet is the
+/// calling thread's own, so copying it (a list's default carries a count) never races.
 #ifndef COW_1DARRAY_H
 #define COW_1DARRAY_H
 
@@ -29,9 +30,10 @@
 #include "mem/mem_OutOfMemory.h"
 #include "zul_Compiler.h"
 
+/// A block of elements, with the number of arrays sharing it.
 template <class T>
 struct cow_1DArrayBlock {
-    int32_t count;  // arrays sharing this block
+    int32_t count;  ///< arrays sharing this block
     T* elements;
 };
 
@@ -39,6 +41,7 @@ template <class T>
 class cow_1DArray {
 public:
     typedef cow_1DArrayBlock<T> Block;
+    /// The block size (as a shift: blocks of 16 elements) and the spare table slots added each time the table grows.
     enum { DefaultShift = 4, SpareSlots = 16 };
 
     cow_1DArray() : m_capacity(0), m_shift(0), m_fullSize(0), m_offset(0), m_counter(NewCounter()), m_table(nullptr) {}
@@ -65,7 +68,7 @@ public:
 
     ~cow_1DArray() { Release(); }
 
-    // Logical size: elements 0 .. Size()-1.
+    /// Logical size: elements 0 .. Size()-1.
     int32_t Size() const { return m_fullSize - m_offset; }
     int32_t Offset() const { return m_offset; }
     int32_t Capacity() const { return m_capacity; }
@@ -73,13 +76,15 @@ public:
     bool Exclusive() const { return *m_counter == 1; }
     int32_t UseCount() const { return *m_counter; }
 
-    // Read access by arithmetic on the table; no range check, no copy.
+    /// Read access by arithmetic on the table; no range check, no copy.
+    ///@{
     const T& operator[](int i) const { return Element(i + m_offset); }
     const T& ConstGet(int i) const { return Element(i + m_offset); }
+    ///@}
 
-    // The elements from logical position i to the end of the block that holds it: a pointer to
-    // element i, with n set to how many follow it in memory (i itself included). A block not
-    // made yet is read one default element at a time. No range check.
+    /// The elements from logical position i to the end of the block that holds it: a pointer to
+    /// element i, with n set to how many follow it in memory (i itself included). A block not
+    /// made yet is read one default element at a time. No range check.
     const T* ConstRun(int i, int& n) const
     {
         const int32_t full = i + m_offset;
@@ -94,8 +99,8 @@ public:
         return block->elements + at;
     }
 
-    // Write access: writing at or beyond the logical size grows the array to i + 1; otherwise
-    // the array and the block concerned are made private first.
+    /// Write access: writing at or beyond the logical size grows the array to i + 1; otherwise
+    /// the array and the block concerned are made private first.
     T& Get(int i)
     {
         if (i < Size()) {
@@ -120,10 +125,10 @@ public:
         }
     }
 
-    // The common append, for writers that append one element at a time: when i is the logical
-    // size, the array is private and the element's block is made and private (not the first
-    // element of a block), the array grows by one and the element is returned, with no other step
-    // of Grow. Null otherwise: the caller then uses Get(i).
+    /// The common append, for writers that append one element at a time: when i is the logical
+    /// size, the array is private and the element's block is made and private (not the first
+    /// element of a block), the array grows by one and the element is returned, with no other step
+    /// of Grow. Null otherwise: the caller then uses Get(i).
     T* NextSlot(int i)
     {
         const int32_t full = i + m_offset;
@@ -138,7 +143,7 @@ public:
         return block->elements + at;
     }
 
-    // Sets the logical size to n (0 empties the array and releases its blocks).
+    /// Sets the logical size to n (0 empties the array and releases its blocks).
     void Grow(int n)
     {
         MakePrivate();
@@ -174,8 +179,8 @@ public:
         m_offset = offset;
     }
 
-    // Front removal for lists: logical element 0 leaves; when its block is left behind, the
-    // block loses one count and its slot is emptied. No element moves.
+    /// Front removal for lists: logical element 0 leaves; when its block is left behind, the
+    /// block loses one count and its slot is emptied. No element moves.
     void DropFront()
     {
         MakePrivate();
@@ -187,8 +192,8 @@ public:
         }
     }
 
-    // Front insertion for lists: makes room for a new logical element 0 (value-initialised
-    // when its block is new; the caller stores the value).
+    /// Front insertion for lists: makes room for a new logical element 0 (value-initialised
+    /// when its block is new; the caller stores the value).
     void OpenFront()
     {
         if (m_offset > 0) {
@@ -222,7 +227,7 @@ public:
         std::swap(m_table, o.m_table);
     }
 
-    // Makes the table private: copies it and raises the count of every block it names.
+    /// Makes the table private: copies it and raises the count of every block it names.
     void MakePrivate()
     {
         if (*m_counter == 1)
@@ -245,8 +250,8 @@ public:
         m_table = table;
     }
 
-    // Makes the blocks holding logical positions from..to present and private (the table must be
-    // private). Contents do not change, so a failure part-way leaves the array as it was.
+    /// Makes the blocks holding logical positions from..to present and private (the table must be
+    /// private). Contents do not change, so a failure part-way leaves the array as it was.
     void MakeRangePrivate(int from, int to)
     {
         if (m_shift == 0)
@@ -317,8 +322,8 @@ private:
         mem_Free(block);
     }
 
-    // A block not made yet holds only default values: reading it yields the default element,
-    // so reads never change the table.
+    /// A block not made yet holds only default values: reading it yields the default element,
+    /// so reads never change the table.
     const T& Element(int32_t full) const
     {
         const Block* block = m_table[full >> m_shift];
@@ -327,19 +332,19 @@ private:
         return DefaultElement();
     }
 
-    // The calling thread's default element (see mem_ThreadObject): made at its first read of a
-    // block not made yet and never written, so threads reading arrays of their own never touch
-    // the same object.
+    /// The calling thread's default element (see mem_ThreadObject): made at its first read of a
+    /// block not made yet and never written, so threads reading arrays of their own never touch
+    /// the same object.
     static const T& DefaultElement()
     {
         return *static_cast<const T*>(mem_ThreadObject(&s_defaultTag, &MakeDefault, &DestroyDefault));
     }
     static void* MakeDefault() { return cow_New<T>(); }
     static void DestroyDefault(void* value) { cow_Destroy(static_cast<T*>(value)); }
-    static char s_defaultTag;  // names this instance's default element; never written
+    static char s_defaultTag;  ///< names this instance's default element; never written
 
-    // Makes a table slot hold a block of its own: a new one when none is made yet, a copy when
-    // the block is shared with another table. Requires a private table.
+    /// Makes a table slot hold a block of its own: a new one when none is made yet, a copy when
+    /// the block is shared with another table. Requires a private table.
     Block* PrivateBlock(Block*& slot)
     {
         if (!slot) {

@@ -1,24 +1,26 @@
-// cow_1DArrayList<T>: the library's growable list, a count in front of a cow_1DArray<T>.
-//
-// Copying a list shares its storage (one increment); the first write copies the block table
-// and the one block it touches. Appending never calls Grow: it writes one place past the end
-// and the storage grows by itself.
-//
-// Contracts (kept for speed; callers keep indices in range):
-// - No index is checked. Remove and Pop on an empty list still decrement the count, which can
-//   go negative; storage is then left alone (nothing is written outside it).
-// - Insert with an index beyond count stores the value there and increments count, leaving
-//   default elements between.
-// - FindFirst answers count, not -1, when nothing is found (cow_List::Position answers -1).
-// - Elements compare with the element type's ==.
-// A failed write (out of memory) leaves the list and every list sharing its storage unchanged.
-//
-// Instances used by the library: int, unsigned int, float, double, cow_String and lists of
-// int, float and double lists; the uti_Coord3D instance comes with the coordinate classes.
-//
-// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
-// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
-// element of an element type with a count of its own (lists of lists).
+/// @class cow_1DArrayList
+/// cow_1DArrayList<T>: the library's growable list, a count in front of a cow_1DArray<T>.
+///
+/// Copying a list shares its storage (one increment); the first write copies the block table
+/// and the one block it touches. Appending never calls Grow: it writes one place past the end
+/// and the storage grows by itself.
+///
+/// Contracts (kept for speed; callers keep indices in range):
+/// - No index is checked. Remove and Pop on an empty list still decrement the count, which can
+///   go negative; storage is then left alone (nothing is written outside it).
+/// - Insert with an index beyond count stores the value there and increments count, leaving
+///   default elements between.
+/// - FindFirst answers count, not -1, when nothing is found (cow_List::Position answers -1).
+/// - Elements compare with the element type's ==.
+///
+/// A failed write (out of memory) leaves the list and every list sharing its storage unchanged.
+///
+/// Instances used by the library: int, unsigned int, float, double, cow_String and lists of
+/// int, float and double lists; the uti_Coord3D instance comes with the coordinate classes.
+///
+/// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
+/// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
+/// element of an element type with a count of its own (lists of lists).
 #ifndef COW_1DARRAYLIST_H
 #define COW_1DARRAYLIST_H
 
@@ -33,7 +35,7 @@ public:
 
     void Append(const T& value) { this->AppendOne(value); }
 
-    // Grows the storage to the other list's count first (when it is longer), then appends.
+    /// Grows the storage to the other list's count first (when it is longer), then appends.
     void Append(const cow_1DArrayList& other) { this->AppendAll(other, true); }
 
     bool Insert(int i, const T& value)
@@ -85,7 +87,7 @@ public:
     bool operator==(const cow_1DArrayList& other) const { return IsEqual(other); }
     bool operator!=(const cow_1DArrayList& other) const { return !IsEqual(other); }
 
-    // Elements from `from` up to but excluding min(to, count); empty when from is not below it.
+    /// Elements from `from` up to but excluding min(to, count); empty when from is not below it.
     cow_1DArrayList Slice(int from, int to) const
     {
         cow_1DArrayList out;
@@ -103,7 +105,7 @@ public:
     }
 };
 
-// Walks a list from index 0 to count - 1, as it was when the iterator was made.
+/// Walks a list from index 0 to count - 1, as it was when the iterator was made.
 template <class T>
 class cow_1DArrayListIter : public cow_ArraySeqIter<cow_1DArrayList<T>, T> {
 public:

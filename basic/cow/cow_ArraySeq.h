@@ -1,11 +1,12 @@
-// The part shared by cow_1DArrayList and cow_List: a count of elements in use in front of a
-// copy-on-write block array (members in this order), with element access and the machinery
-// that makes multi-step writes all-or-nothing.
-//
-// Contracts: no index is checked by operator[], ConstGet and Get (ConstRun checks its own); the
-// derived lists name theirs.
-//
-// Thread rule: the storage's: sequences that share storage are used by one thread at a time.
+/// @class cow_ArraySeq
+/// The part shared by cow_1DArrayList and cow_List: a count of elements in use in front of a
+/// copy-on-write block array (members in this order), with element access and the machinery
+/// that makes multi-step writes all-or-nothing.
+///
+/// Contracts: no index is checked by operator[], ConstGet and Get (ConstRun checks its own); the
+/// derived lists name theirs.
+///
+/// Thread rule: the storage's: sequences that share storage are used by one thread at a time.
 #ifndef COW_ARRAYSEQ_H
 #define COW_ARRAYSEQ_H
 
@@ -23,22 +24,26 @@ public:
     int Length() const { return m_count; }
     bool IsEmpty() const { return m_count <= 0; }
 
-    // No range check, no copy.
+    /// No range check, no copy.
+    ///@{
     const T& operator[](int i) const { return m_storage[i]; }
     const T& ConstGet(int i) const { return m_storage.ConstGet(i); }
-    // Write access: makes the storage (and the block) private; writing past the storage's end
-    // grows it. The count is not changed.
+    ///@}
+    /// Write access: makes the storage (and the block) private; writing past the storage's end
+    /// grows it. The count is not changed.
     T& Get(int i) { return m_storage.Get(i); }
-    // Grows (or with 0 empties) the storage; the count is not changed.
+    /// Grows (or with 0 empties) the storage; the count is not changed.
     void Grow(int n) { m_storage.Grow(n); }
 
     const cow_1DArray<T>& Storage() const { return m_storage; }
 
-    // Reading block by block: a pointer to element i and, in n, how many elements from i on lie
-    // together in memory (to the end of i's block, at most up to Count()); n is 0 when i is not
-    // below Count(). A loop over runs costs what a loop over a plain array costs:
-    //   for (int i = 0, n = 0; i < list.Count(); i += n)
-    //       for (const T *p = list.ConstRun(i, n), *e = p + n; p != e; ++p) ...
+    /// Reading block by block: a pointer to element i and, in n, how many elements from i on lie
+    /// together in memory (to the end of i's block, at most up to Count()); n is 0 when i is not
+    /// below Count(). A loop over runs costs what a loop over a plain array costs:
+    /// @code
+    ///   for (int i = 0, n = 0; i < list.Count(); i += n)
+    ///       for (const T *p = list.ConstRun(i, n), *e = p + n; p != e; ++p) ...
+    /// @endcode
     const T* ConstRun(int i, int& n) const
     {
         if (i < 0 || i >= m_count) {
@@ -51,7 +56,7 @@ public:
         return run;
     }
 
-    // A plain copy of the elements in use, from mem_Malloc; the caller frees it with mem_Free.
+    /// A plain copy of the elements in use, from mem_Malloc; the caller frees it with mem_Free.
     T* GetCArray(int& n) const
     {
         const int count = m_count > 0 ? m_count : 0;
@@ -75,7 +80,7 @@ public:
 protected:
     cow_ArraySeq() : m_count(0) {}
 
-    // Index of the first element equal to value, or -1.
+    /// Index of the first element equal to value, or -1.
     int IndexOf(const T& value) const
     {
         for (int i = 0; i < m_count; ++i)
@@ -84,8 +89,8 @@ protected:
         return -1;
     }
 
-    // Same count and equal elements in order; elements at one address (shared storage) are
-    // equal without a comparison.
+    /// Same count and equal elements in order; elements at one address (shared storage) are
+    /// equal without a comparison.
     bool SameElements(const cow_ArraySeq& other) const
     {
         if (m_count != other.m_count)
@@ -108,7 +113,7 @@ protected:
         ++m_count;
     }
 
-    // Puts value at i, moving elements i .. count-1 one place up.
+    /// Puts value at i, moving elements i .. count-1 one place up.
     void InsertAt(int i, const T& value)
     {
         const T copy(value);  // value may live in this sequence
@@ -125,9 +130,9 @@ protected:
         });
     }
 
-    // Count - 1, later elements one place down, the vacated last place reset to a default
-    // value. With no element left to remove only the count moves (it may go negative): storage
-    // outside the array is never written.
+    /// Count - 1, later elements one place down, the vacated last place reset to a default
+    /// value. With no element left to remove only the count moves (it may go negative): storage
+    /// outside the array is never written.
     void RemoveAt(int i)
     {
         if (m_count <= 0) {
@@ -161,10 +166,10 @@ protected:
         m_count = 0;
     }
 
-    // Runs a multi-step write so that a failure leaves the sequence as it was: an exclusive one
-    // is changed in place once the blocks of positions from..to are present and private (moving
-    // elements inside private blocks allocates nothing); a shared one is changed on a private
-    // copy that replaces it only when every step has succeeded.
+    /// Runs a multi-step write so that a failure leaves the sequence as it was: an exclusive one
+    /// is changed in place once the blocks of positions from..to are present and private (moving
+    /// elements inside private blocks allocates nothing); a shared one is changed on a private
+    /// copy that replaces it only when every step has succeeded.
     template <class F>
     void Mutate(int from, int to, F f)
     {
@@ -184,9 +189,9 @@ protected:
     cow_1DArray<T> m_storage;
 };
 
-// Walks positions 0 .. count-1 of a sequence as it was when the iterator was made (it holds a
-// copy, which shares the storage, so later writes to the source do not show). It keeps the run of
-// the current block, so that a step is an increment.
+/// Walks positions 0..count-1 of a sequence as it was when the iterator was made (it holds a
+/// copy, which shares the storage, so later writes to the source do not show). It keeps the run of
+/// the current block, so that a step is an increment.
 template <class Seq, class T>
 class cow_ArraySeqIter {
 public:

@@ -1,26 +1,27 @@
-// cow_Btree<K, V>: the library's ordered associative container.
-//
-// A binary search tree kept balanced by subtree heights with single rotations only, whose nodes
-// are shared between copies through copy-on-write handles; each child link is a handle of its
-// own on the heap, so rotations move handles by swapping pointers. Heights: 0 for a leaf, else
-// the larger of (child height + 1) with a missing child contributing 0. The balance factor is
-// (right height - left height) with a missing child counted as height 0, like a leaf: this
-// asymmetry is deliberate. |factor| >= 2 rotates once; there are no double rotations.
-//
-// Keys order by the sign of their difference for integers (taken in 32 bits: keys farther apart
-// than the integer range may order wrongly, which is accepted), byte-wise unsigned for strings,
-// by < for floats. Reads (ConstFind, iteration) never copy. A failed write (out of memory) leaves
-// this tree and its sharers unchanged: an insertion allocates everything before its first change,
-// and a removal runs on a working copy that replaces the tree only when it has succeeded.
-// An iterator's Key() and Value() are read only while NotDone() is true.
-//
-// Thread rule: the node counts are plain integers: trees that share nodes (a tree, its copies and
-// the snapshots their iterators hold) are used by one thread at a time.
-//
-// Instances used by the library: int keys with int, double, cow_1DArrayList<int>; float keys with
-// int; cow_String keys with int, unsigned int, float, cow_String, cow_1DArray<cow_String>,
-// cow_1DArrayList<int>, cow_Btree<int, int>; atr_String keys with cow_List<atr_String>. The
-// cow_FixedArray<int> instance comes with that type.
+/// @class cow_Btree
+/// cow_Btree<K, V>: the library's ordered associative container.
+///
+/// A binary search tree kept balanced by subtree heights with single rotations only, whose nodes
+/// are shared between copies through copy-on-write handles; each child link is a handle of its
+/// own on the heap, so rotations move handles by swapping pointers. Heights: 0 for a leaf, else
+/// the larger of (child height + 1) with a missing child contributing 0. The balance factor is
+/// (right height - left height) with a missing child counted as height 0, like a leaf: this
+/// asymmetry is deliberate. |factor| >= 2 rotates once; there are no double rotations.
+///
+/// Keys order by the sign of their difference for integers (taken in 32 bits: keys farther apart
+/// than the integer range may order wrongly, which is accepted), byte-wise unsigned for strings,
+/// by < for floats. Reads (ConstFind, iteration) never copy. A failed write (out of memory) leaves
+/// this tree and its sharers unchanged: an insertion allocates everything before its first change,
+/// and a removal runs on a working copy that replaces the tree only when it has succeeded.
+/// An iterator's Key() and Value() are read only while NotDone() is true.
+///
+/// Thread rule: the node counts are plain integers: trees that share nodes (a tree, its copies and
+/// the snapshots their iterators hold) are used by one thread at a time.
+///
+/// Instances used by the library: int keys with int, double, cow_1DArrayList<int>; float keys with
+/// int; cow_String keys with int, unsigned int, float, cow_String, cow_1DArray<cow_String>,
+/// cow_1DArrayList<int>, cow_Btree<int, int>; atr_String keys with cow_List<atr_String>. The
+/// cow_FixedArray<int> instance comes with that type.
 #ifndef COW_BTREE_H
 #define COW_BTREE_H
 
@@ -32,7 +33,8 @@
 #include "cow/cow_List.h"
 #include "zul_Compiler.h"
 
-// Where a sought key goes from a node's key: < 0 left, 0 the same entry, > 0 right.
+/// Where a sought key goes from a node's key: < 0 left, 0 the same entry, > 0 right.
+///@{
 inline int cow_BtreeCompare(int sought, int key)
 {
     return static_cast<int32_t>(static_cast<uint32_t>(sought) - static_cast<uint32_t>(key));
@@ -47,7 +49,9 @@ inline int cow_BtreeCompare(const atr_StringBase& sought, const atr_StringBase& 
 {
     return sought.Compare(key);
 }
+///@}
 
+/// A node of the tree: one entry, its height and handles of its own on its two children.
 template <class K, class V>
 class cow_BtreeNode {
 public:
@@ -55,7 +59,7 @@ public:
 
     cow_BtreeNode(const K& k, const V& v) : value(v), key(k), left(nullptr), right(nullptr), height(0) {}
 
-    // A copy shares the children: it gets handles of its own on the same nodes.
+    /// A copy shares the children: it gets handles of its own on the same nodes.
     cow_BtreeNode(const cow_BtreeNode& o) : value(o.value), key(o.key), left(nullptr), right(nullptr), height(o.height)
     {
         left = o.left ? cow_New<Handle>(*o.left) : nullptr;
@@ -76,8 +80,8 @@ public:
 
     static int Height(const Handle* h) { return h ? h->ConstGet().height : 0; }
 
-    // A handle of its own holding a new leaf. The handle is made first, so a failure to make the
-    // node leaves nothing behind.
+    /// A handle of its own holding a new leaf. The handle is made first, so a failure to make the
+    /// node leaves nothing behind.
     static Handle* NewLink(const K& k, const V& v)
     {
         Handle* link = cow_New<Handle>();
@@ -101,8 +105,8 @@ public:
         height = l > r ? l : r;
     }
 
-    // Rebalances the node held by `self`; returns the handle that now stands in its place, or
-    // null when nothing moved.
+    /// Rebalances the node held by `self`; returns the handle that now stands in its place, or
+    /// null when nothing moved.
     static Handle* Balance(Handle* self)
     {
         cow_BtreeNode& node = self->Get();
@@ -128,7 +132,7 @@ public:
         return nullptr;
     }
 
-    // Balances the child in `link` and stores a new handle there when one came back.
+    /// Balances the child in `link` and stores a new handle there when one came back.
     static void BalanceLink(Handle*& link)
     {
         if (link)
@@ -136,10 +140,10 @@ public:
                 link = moved;
     }
 
-    // Inserts into the subtree of this node: each node on the way down is made private; on the
-    // way back up, each node balances its child on the path and recomputes its height. The walk
-    // keeps its path in an array (no call per level); a path longer than that goes on
-    // recursively.
+    /// Inserts into the subtree of this node: each node on the way down is made private; on the
+    /// way back up, each node balances its child on the path and recomputes its height. The walk
+    /// keeps its path in an array (no call per level); a path longer than that goes on
+    /// recursively.
     bool InsertUnlessMember(const K& k, const V& v)
     {
         enum { kPath = 64 };
@@ -193,7 +197,7 @@ public:
         return nullptr;
     }
 
-    // Removes k from the subtree held by `link` (made private on the way); false when absent.
+    /// Removes k from the subtree held by `link` (made private on the way); false when absent.
     static bool Remove(Handle*& link, const K& k)
     {
         if (!link)
@@ -212,7 +216,7 @@ public:
         return true;
     }
 
-    // Replaces the node held by `link` by its successor (or its only child) and frees the handle.
+    /// Replaces the node held by `link` by its successor (or its only child) and frees the handle.
     static void RemoveNode(Handle*& link)
     {
         cow_BtreeNode& node = link->Get();
@@ -236,8 +240,8 @@ public:
     }
 
 private:
-    // Unlinks the leftmost node of the subtree in `link` (its right subtree takes its place) and
-    // returns its handle; heights along the way are recomputed.
+    /// Unlinks the leftmost node of the subtree in `link` (its right subtree takes its place) and
+    /// returns its handle; heights along the way are recomputed.
     static Handle* TakeLeftmost(Handle*& link)
     {
         cow_BtreeNode& node = link->Get();
@@ -323,7 +327,7 @@ private:
     int32_t m_count;
 };
 
-// A chain element of the iterator's stack: a node handle and the link below it.
+/// A chain element of the iterator's stack: a node handle and the link below it.
 template <class K, class V>
 class cow_BtreeNodeLink {
 public:
@@ -338,18 +342,19 @@ private:
     cow_BtreeNodeLink* m_next;
 };
 
-// In key order over the tree as it was when the iterator was made: First then Next ascends,
-// Last then Previous descends.
-//
-// The stack of links is an array inside the iterator, so stepping allocates nothing; a path
-// deeper than that array moves the stack to a heap buffer, which the iterator keeps (and reuses
-// for later First/Last calls) until it is destroyed.
+/// In key order over the tree as it was when the iterator was made: First then Next ascends,
+/// Last then Previous descends.
+///
+/// The stack of links is an array inside the iterator, so stepping allocates nothing; a path
+/// deeper than that array moves the stack to a heap buffer, which the iterator keeps (and reuses
+/// for later First/Last calls) until it is destroyed.
 template <class K, class V>
 class cow_BtreeIterator {
 public:
     typedef cow_BtreeNode<K, V> NodeType;
     typedef typename NodeType::Handle Handle;
     typedef cow_BtreeNodeLink<K, V> Link;
+    /// The links the iterator's stack holds before it moves to a heap buffer.
     enum { InlineDepth = 32 };
 
     explicit cow_BtreeIterator(const cow_Btree<K, V>& tree)
@@ -389,13 +394,13 @@ public:
         ++m_depth;
     }
 
-    // Links on the stack (diagnostics and tests).
+    /// Links on the stack (diagnostics and tests).
     int Depth() const { return m_depth; }
 
 private:
     const Handle& Top() const { return *m_stack[m_depth - 1].Node(); }
 
-    // Doubles the stack in a heap buffer; the links are re-chained to their new places.
+    /// Doubles the stack in a heap buffer; the links are re-chained to their new places.
     void GrowStack()
     {
         const int capacity = m_capacity * 2;
@@ -408,7 +413,7 @@ private:
         m_capacity = capacity;
     }
 
-    // Pushes the path to the smallest (leftmost) or largest key of a subtree.
+    /// Pushes the path to the smallest (leftmost) or largest key of a subtree.
     void PushEdge(const Handle* node, bool leftmost)
     {
         while (node) {
@@ -425,16 +430,18 @@ private:
         PushEdge(forward ? node.right : node.left, forward);
     }
 
-    cow_Btree<K, V> m_tree;  // keeps the nodes alive
+    cow_Btree<K, V> m_tree;  ///< keeps the nodes alive
     Link* m_stack;
     int m_capacity;
     int m_depth;
     Link m_inline[InlineDepth];
 };
 
+/// The keys or the values of a tree, as lists.
 template <class K, class V>
 struct cow_BtreeUtils {
-    // The keys / values in ascending key order.
+    /// The keys / values in ascending key order.
+    ///@{
     static cow_List<K> cow_Keys(const cow_Btree<K, V>& tree)
     {
         cow_BtreeIterator<K, V> it(tree);
@@ -445,6 +452,7 @@ struct cow_BtreeUtils {
         cow_BtreeIterator<K, V> it(tree);
         return cow_CollectFrom<V>(it, [](const cow_BtreeIterator<K, V>& i) -> const V& { return i.Value(); });
     }
+    ///@}
 };
 
 #endif

@@ -1,16 +1,17 @@
-// Shared storage with a separate reference count, and copy-on-write on top of it.
-//
-// cow_CountedHld<T> is a handle of two pointers: a 32-bit count cell of its own (from the tiny
-// allocator) and the shared object. Copying a handle costs one increment and no allocation.
-// cow_COW<T, Policy> adds detach-on-write: Get() makes a private copy (with Policy::Copy) when the
-// object is shared; ConstGet() never copies.
-//
-// Thread rule: the count is a plain integer. Handles that share one object must be used by one
-// thread at a time.
-//
-// Ownership rule for pointers given to a handle: the handle destroys its object with cow_Destroy
-// below, so a T* must come from cow_New<T>(...) or from the policies' Copy (or, for classes with
-// their own operator new/delete or a virtual destructor, from plain `new`).
+/// @file
+/// Shared storage with a separate reference count, and copy-on-write on top of it.
+///
+/// cow_CountedHld<T> is a handle of two pointers: a 32-bit count cell of its own (from the tiny
+/// allocator) and the shared object. Copying a handle costs one increment and no allocation.
+/// cow_COW<T, Policy> adds detach-on-write: Get() makes a private copy (with Policy::Copy) when the
+/// object is shared; ConstGet() never copies.
+///
+/// Thread rule: the count is a plain integer. Handles that share one object must be used by one
+/// thread at a time.
+///
+/// Ownership rule for pointers given to a handle: the handle destroys its object with cow_Destroy
+/// below, so a T* must come from cow_New<T>(...) or from the policies' Copy (or, for classes with
+/// their own operator new/delete or a virtual destructor, from plain `new`).
 #ifndef COW_COW_H
 #define COW_COW_H
 
@@ -21,8 +22,8 @@
 
 #include "mem/mem_Memory.h"
 
-// Whether T is destroyed with `delete` (its own operator delete or a virtual deleting destructor)
-// rather than by running the destructor and freeing through the memory layer.
+/// Whether T is destroyed with `delete` (its own operator delete or a virtual deleting destructor)
+/// rather than by running the destructor and freeing through the memory layer.
 template <class T>
 struct cow_UsesDelete {
     template <class U>
@@ -32,7 +33,7 @@ struct cow_UsesDelete {
     static constexpr bool value = std::has_virtual_destructor<T>::value || decltype(HasClassDelete<T>(0))::value;
 };
 
-// Makes a heap object that cow_Destroy can release.
+/// Makes a heap object that cow_Destroy can release.
 template <class T, class... Args>
 T* cow_New(Args&&... args)
 {
@@ -62,23 +63,24 @@ void cow_Destroy(T* p)
     }
 }
 
-// Copy policy: copy construction into a new heap object.
+/// Copy policy: copy construction into a new heap object.
 template <class T>
 struct cow_Direct {
     static T* Copy(const T& src) { return cow_New<T>(src); }
 };
 
-// Copy policy: the object's own virtual clone, so the copy keeps the dynamic type.
+/// Copy policy: the object's own virtual clone, so the copy keeps the dynamic type.
 template <class T>
 struct cow_Virtual {
     static T* Copy(const T& src) { return static_cast<T*>(src.Copy()); }
 };
 
+/// A counted handle to a shared object (cow_COW.h gives its layout and rules).
 template <class T>
 class cow_CountedHld {
 public:
-    // Adopts the pointer (which may be null); the new count is 1. If the count cell cannot be
-    // made, the object is destroyed: a handle given a pointer never leaks it.
+    /// Adopts the pointer (which may be null); the new count is 1. If the count cell cannot be
+    /// made, the object is destroyed: a handle given a pointer never leaks it.
     explicit cow_CountedHld(T* p = nullptr) : m_counter(AdoptingCounter(p)), m_referent(p) {}
 
     cow_CountedHld(const cow_CountedHld& other) : m_counter(other.m_counter), m_referent(other.m_referent)
@@ -86,7 +88,7 @@ public:
         ++*m_counter;
     }
 
-    // Increment the source first, so that self-assignment is safe.
+    /// Increment the source first, so that self-assignment is safe.
     cow_CountedHld& operator=(const cow_CountedHld& other)
     {
         ++*other.m_counter;
@@ -121,7 +123,7 @@ public:
     const T& GetRef() const { return *m_referent; }
     bool Exclusive() const { return *m_counter == 1; }
 
-    // Number of handles sharing the object (diagnostics and tests).
+    /// Number of handles sharing the object (diagnostics and tests).
     int32_t UseCount() const { return *m_counter; }
 
 protected:
@@ -162,6 +164,7 @@ protected:
     T* m_referent;
 };
 
+/// A counted handle with copy-on-write: Get() makes a private copy when the object is shared.
 template <class T, class Policy = cow_Direct<T>>
 class cow_COW : public cow_CountedHld<T> {
     using Base = cow_CountedHld<T>;
@@ -169,7 +172,7 @@ class cow_COW : public cow_CountedHld<T> {
 public:
     explicit cow_COW(T* p = nullptr) : Base(p) {}
 
-    // Always copies: the handle owns a private copy of `value`.
+    /// Always copies: the handle owns a private copy of `value`.
     explicit cow_COW(const T& value) : Base(nullptr) { this->m_referent = Policy::Copy(value); }
 
     cow_COW(const cow_COW& other) : Base(other) {}
@@ -186,8 +189,8 @@ public:
 
     const T& ConstGet() const { return *this->m_referent; }
 
-    // The object made private first. The copy is taken before any count changes, so a
-    // failing copy leaves this handle and all its sharers exactly as they were.
+    /// The object made private first. The copy is taken before any count changes, so a
+    /// failing copy leaves this handle and all its sharers exactly as they were.
     T& Get()
     {
         if (*this->m_counter == 1)

@@ -1,24 +1,25 @@
-// HashTable<K, V>: a small, plain (not shared) hash table with separate chaining and a bucket
-// count fixed at construction. Used as HashTable<unsigned int, void*> and
-// HashTable<void*, unsigned int>.
-//
-// Every call may pass its own hash function (key, bucket count) -> bucket index and equality
-// function; without them the lower library's HashValue and the key's == are used. Keys are
-// unique: inserting a present key overwrites its value. A new entry goes to the head of its
-// chain. There is no removal of single entries and no rehashing: chains grow without bound.
-//
-// Iteration positions are (bucket, place in the chain counted from 1); (0, 0) means none.
-// FirstPosition is the head of the first non-empty bucket; NextPosition walks the chain, then
-// the next non-empty bucket, and answers (0, 0) after the last entry.
-// A table without buckets, or a hash function answering outside 0 .. count-1, raises
-// nex_AssertException rather than touching memory outside the bucket array. So does a call
-// without a hash function for a key type that has no HashValue overload.
-// Thread rule: one table, one thread at a time.
-//
-// The class carries no module prefix; it is a container and lives with the containers (cow),
-// as does LongKey (cow/cow_LongKey.h). Entries come from mem_OperatorNewThrow and go back with
-// mem_Free; the bucket array comes from mem_Malloc. A failed Insert (allocation or a throwing
-// key/value copy) leaves the table as it was.
+/// @class HashTable
+/// HashTable<K, V>: a small, plain (not shared) hash table with separate chaining and a bucket
+/// count fixed at construction. Used as HashTable<unsigned int, void*> and
+/// HashTable<void*, unsigned int>.
+///
+/// Every call may pass its own hash function (key, bucket count) -> bucket index and equality
+/// function; without them the lower library's HashValue and the key's == are used. Keys are
+/// unique: inserting a present key overwrites its value. A new entry goes to the head of its
+/// chain. There is no removal of single entries and no rehashing: chains grow without bound.
+///
+/// Iteration positions are (bucket, place in the chain counted from 1); (0, 0) means none.
+/// FirstPosition is the head of the first non-empty bucket; NextPosition walks the chain, then
+/// the next non-empty bucket, and answers (0, 0) after the last entry.
+/// A table without buckets, or a hash function answering outside 0 .. count-1, raises
+/// nex_AssertException rather than touching memory outside the bucket array. So does a call
+/// without a hash function for a key type that has no HashValue overload.
+/// Thread rule: one table, one thread at a time.
+///
+/// The class carries no module prefix; it is a container and lives with the containers (cow),
+/// as does LongKey (cow/cow_LongKey.h). Entries come from mem_OperatorNewThrow and go back with
+/// mem_Free; the bucket array comes from mem_Malloc. A failed Insert (allocation or a throwing
+/// key/value copy) leaves the table as it was.
 #ifndef COW_HASHTABLE_H
 #define COW_HASHTABLE_H
 
@@ -34,14 +35,16 @@
 template <class K, class V>
 class HashTable;
 
-// Whether the lower library has a default hash for K.
+/// Whether the lower library has a default hash for K.
 template <class K, class = void>
 struct HashTableHasDefaultHash : std::false_type {
 };
+/// True for a K that has a HashValue overload.
 template <class K>
 struct HashTableHasDefaultHash<K, decltype(void(HashValue(std::declval<const K&>(), 1u)))> : std::true_type {
 };
 
+/// An entry of a table: key, value and the next entry of its chain.
 template <class K, class V>
 class HashTableEntry {
 public:
@@ -58,9 +61,10 @@ private:
     HashTableEntry* m_next;
 };
 
+/// An iteration position: (bucket, place in the chain counted from 1); (0, 0) means none.
 struct HashTablePosition {
     unsigned int bucket;
-    unsigned int place;  // from 1; 0 with bucket 0 means "no position"
+    unsigned int place;  ///< from 1; 0 with bucket 0 means "no position"
     bool IsValid() const { return place != 0; }
     bool operator==(const HashTablePosition& o) const { return bucket == o.bucket && place == o.place; }
 };
@@ -135,7 +139,8 @@ public:
 
     unsigned int BucketCount() const { return m_count; }
 
-    // Iteration: bucket by bucket in index order, each chain from its head.
+    /// Iteration: bucket by bucket in index order, each chain from its head.
+    ///@{
     HashTablePosition FirstPosition() const { return NextNonEmpty(0); }
     HashTablePosition NextPosition(const HashTablePosition& at) const
     {
@@ -145,7 +150,8 @@ public:
             return HashTablePosition{at.bucket, at.place + 1};
         return NextNonEmpty(at.bucket + 1);
     }
-    // The entry at a valid position, or null.
+    ///@}
+    /// The entry at a valid position, or null.
     const Entry* EntryAt(const HashTablePosition& at) const
     {
         return at.IsValid() && at.bucket < m_count ? EntryAt(at.bucket, at.place) : nullptr;

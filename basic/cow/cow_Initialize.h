@@ -1,6 +1,7 @@
-// Start-up and shut-down of the cow module (copy-on-write containers); see typ/typ_Module.h for the
-// counting rule.
-// Thread rule: on one thread, before other threads use the module and after they stop.
+/// @file
+/// Start-up and shut-down of the cow module (copy-on-write containers); see typ/typ_Module.h for the
+/// counting rule.
+/// Thread rule: on one thread, before other threads use the module and after they stop.
 #ifndef COW_INITIALIZE_H
 #define COW_INITIALIZE_H
 

@@ -1,6 +1,7 @@
-// Base for objects that carry their own counter (the counter's layout belongs to its owner).
-// Thread rule: one object, one thread at a time (the counter's owner says how the counter
-// itself may be shared).
+/// @class cow_IntrusiveCountedBase
+/// Base for objects that carry their own counter (the counter's layout belongs to its owner).
+/// Thread rule: one object, one thread at a time (the counter's owner says how the counter
+/// itself may be shared).
 #ifndef COW_INTRUSIVECOUNTEDBASE_H
 #define COW_INTRUSIVECOUNTEDBASE_H
 
@@ -12,9 +13,9 @@ class ZUL_BASIC_API cow_IntrusiveCountedBase {
 public:
     cow_IntrusiveCountedBase() : m_counter(nullptr) {}
 
-    // Stores the counter. Replacing a counter already set by a different one writes
-    // "ERROR: Resetting counter on cow_IntrusiveCountedBase" to standard error and replaces it
-    // all the same: the warning is not fatal.
+    /// Stores the counter. Replacing a counter already set by a different one writes
+    /// "ERROR: Resetting counter on cow_IntrusiveCountedBase" to standard error and replaces it
+    /// all the same: the warning is not fatal.
     void SetCounter(cow_Counter* counter);
     cow_Counter* GetCounter() const { return m_counter; }
 

@@ -1,23 +1,24 @@
-// cow_List<T>: the library's double-ended sequence over the same storage as cow_1DArrayList.
-//
-// Front operations are cheap: RemoveFirst advances the storage's offset (no element moves) and
-// Prepend uses the room in front of the offset, making a whole table's worth of spare front room
-// at once when none is left. Every mutator returns the list so that calls chain.
-//
-// Contracts: no index is checked; RemoveFirst, RemoveLast and RemoveIndex on an empty list drive
-// the count below zero (storage outside the array is never written). Position answers -1 for a
-// missing element (cow_1DArrayList::FindFirst answers the count). A failed write (out of
-// memory) leaves the list and every list sharing its storage unchanged.
-//
-// Sort orders with operator< of the element type (strings: byte-wise, unsigned), lists of
-// lists lexicographically.
-//
-// Instances used by the library: int, unsigned int, bool, float, double, cow_String, atr_String
-// and cow_1DArrayList<int>.
-//
-// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
-// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
-// element of an element type with a count of its own (lists of lists).
+/// @class cow_List
+/// cow_List<T>: the library's double-ended sequence over the same storage as cow_1DArrayList.
+///
+/// Front operations are cheap: RemoveFirst advances the storage's offset (no element moves) and
+/// Prepend uses the room in front of the offset, making a whole table's worth of spare front room
+/// at once when none is left. Every mutator returns the list so that calls chain.
+///
+/// Contracts: no index is checked; RemoveFirst, RemoveLast and RemoveIndex on an empty list drive
+/// the count below zero (storage outside the array is never written). Position answers -1 for a
+/// missing element (cow_1DArrayList::FindFirst answers the count). A failed write (out of
+/// memory) leaves the list and every list sharing its storage unchanged.
+///
+/// Sort orders with operator< of the element type (strings: byte-wise, unsigned), lists of
+/// lists lexicographically.
+///
+/// Instances used by the library: int, unsigned int, bool, float, double, cow_String, atr_String
+/// and cow_1DArrayList<int>.
+///
+/// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
+/// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
+/// element of an element type with a count of its own (lists of lists).
 #ifndef COW_LIST_H
 #define COW_LIST_H
 
@@ -28,7 +29,7 @@
 #include "cow/cow_ArraySeq.h"
 #include "cow/cow_String.h"
 
-// Three-way comparison used by cow_List::Sort: -1, 0 or 1.
+/// Three-way comparison used by cow_List::Sort: -1, 0 or 1.
 template <class T>
 int cow_SortCompare(const T& a, const T& b)
 {
@@ -112,7 +113,7 @@ public:
         return *this;
     }
 
-    // Releases the storage.
+    /// Releases the storage.
     cow_List& Clear()
     {
         this->Reset();
@@ -133,7 +134,7 @@ public:
     bool operator==(const cow_List& other) const { return IsEqual(other); }
     bool operator!=(const cow_List& other) const { return !IsEqual(other); }
 
-    // Ascending, through qsort. Always leaves the list with private storage and offset 0.
+    /// Ascending, through qsort. Always leaves the list with private storage and offset 0.
     cow_List& Sort()
     {
         if (this->m_count <= 0)
@@ -168,7 +169,7 @@ public:
         return *this;
     }
 
-    // This list's elements, in order and with repetitions, that are not members of other.
+    /// This list's elements, in order and with repetitions, that are not members of other.
     cow_List operator-(const cow_List& other) const
     {
         cow_List out;
@@ -196,7 +197,7 @@ private:
         mem_Free(items);
     }
 
-    // Replaces the storage by a new array holding the elements in the given order.
+    /// Replaces the storage by a new array holding the elements in the given order.
     void Rebuild(const T* items, int n, const T* const* order)
     {
         cow_List fresh;
@@ -219,14 +220,14 @@ private:
     }
 };
 
-// Walks a list from index 0 to count - 1, as it was when the iterator was made.
+/// Walks a list from index 0 to count - 1, as it was when the iterator was made.
 template <class T>
 class cow_ListIter : public cow_ArraySeqIter<cow_List<T>, T> {
 public:
     explicit cow_ListIter(const cow_List<T>& list) : cow_ArraySeqIter<cow_List<T>, T>(list) {}
 };
 
-// The items an iterator of a container visits (First, NotDone, Next), picked from it, as a list.
+/// The items an iterator of a container visits (First, NotDone, Next), picked from it, as a list.
 template <class T, class Iter, class Pick>
 cow_List<T> cow_CollectFrom(Iter& it, Pick pick)
 {
@@ -236,8 +237,8 @@ cow_List<T> cow_CollectFrom(Iter& it, Pick pick)
     return out;
 }
 
-// The greatest length among the strings of a list, read from each representation; 0 for an
-// empty list or strings without representation.
+/// The greatest length among the strings of a list, read from each representation; 0 for an
+/// empty list or strings without representation.
 inline unsigned int GetLengthLongestString(const cow_List<cow_String>& list)
 {
     unsigned int longest = 0;

@@ -1,10 +1,11 @@
-// LongKey: a fixed set of 128 bit flags used as a compact key.
-//
-// Four 32-bit words, word 0 holding bits 0-31 ... word 3 bits 96-127. Keys combine with | and &
-// and order as 128-bit unsigned numbers (word 3 first). Bit numbers of 128 or more are outside
-// the key: setBits ignores them and hasBit answers false.
-// Word(w) does not check w: 0 <= w < 4.
-// Thread rule: a plain value; copies are independent.
+/// @class LongKey
+/// LongKey: a fixed set of 128 bit flags used as a compact key.
+///
+/// Four 32-bit words, word 0 holding bits 0-31 ... word 3 bits 96-127. Keys combine with | and &
+/// and order as 128-bit unsigned numbers (word 3 first). Bit numbers of 128 or more are outside
+/// the key: setBits ignores them and hasBit answers false.
+/// Word(w) does not check w: 0 <= w < 4.
+/// Thread rule: a plain value; copies are independent.
 #ifndef COW_LONGKEY_H
 #define COW_LONGKEY_H
 

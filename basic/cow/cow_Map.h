@@ -1,34 +1,35 @@
-// cow_Map<K, V>: the library's associative container, a binary digital search tree.
-//
-// Every node holds one entry; the path from the root to a key is chosen by successive bits of the
-// key (bit d at depth d: 0 goes left, 1 goes right). Integer keys use bit (d mod 32), least
-// significant first. String keys take the lowest bit of one character, alternately from the
-// front and the back (depth 0 the first character, 1 the last, 2 the second, 3 the second-to-
-// last, ...), and 0 past the string's length, so strings that share a prefix part early.
-//
-// Every link is a copy-on-write handle: copying a map is one increment, and a write copies only
-// the nodes on one root-to-leaf path (path copying). Reads (IsMember, ConstGet, iteration) never
-// copy. A failing write leaves every other sharer of the tree intact.
-//
-// Contracts: Get and ConstGet need a present key (test IsMember first); on a missing key their
-// result is not to be used. What they answer then is a default value that belongs to the calling
-// thread, made afresh for every miss (it outlives the call, to the thread's end): threads that
-// each miss on maps of their own never touch the same object. An iterator's Key() and Value() are
-// read only while NotDone() is true.
-//
-// Thread rule: the node counts are plain integers: maps that share nodes (a map, its copies and
-// the snapshots their iterators hold) are used by one thread at a time. Maps that share nothing
-// may be used on different threads, misses included.
-//
-// Iterators take a snapshot (they hold a copy of the map, so the nodes stay alive):
-// cow_ConstMapIterator walks in tree order (pre-order, left before right);
-// cow_ConstMapSortedIt sorts the snapshot by key with qsort (ascending, or descending on request).
-//
-// Instances used by the library: int keys with int, unsigned int, float, double, cow_String and
-// list values; unsigned int keys with int, unsigned int, cow_String, atr_String; cow_String keys
-// with int, unsigned int, float, double, cow_String, atr_String and list values. The instances
-// whose values are cow_FixedArray, omi_BlkBitVect, uti_NumFormat, cls_Uid or cls_xp1DArrayListFloat
-// come with those types.
+/// @class cow_Map
+/// cow_Map<K, V>: the library's associative container, a binary digital search tree.
+///
+/// Every node holds one entry; the path from the root to a key is chosen by successive bits of the
+/// key (bit d at depth d: 0 goes left, 1 goes right). Integer keys use bit (d mod 32), least
+/// significant first. String keys take the lowest bit of one character, alternately from the
+/// front and the back (depth 0 the first character, 1 the last, 2 the second, 3 the second-to-
+/// last, ...), and 0 past the string's length, so strings that share a prefix part early.
+///
+/// Every link is a copy-on-write handle: copying a map is one increment, and a write copies only
+/// the nodes on one root-to-leaf path (path copying). Reads (IsMember, ConstGet, iteration) never
+/// copy. A failing write leaves every other sharer of the tree intact.
+///
+/// Contracts: Get and ConstGet need a present key (test IsMember first); on a missing key their
+/// result is not to be used. What they answer then is a default value that belongs to the calling
+/// thread, made afresh for every miss (it outlives the call, to the thread's end): threads that
+/// each miss on maps of their own never touch the same object. An iterator's Key() and Value() are
+/// read only while NotDone() is true.
+///
+/// Thread rule: the node counts are plain integers: maps that share nodes (a map, its copies and
+/// the snapshots their iterators hold) are used by one thread at a time. Maps that share nothing
+/// may be used on different threads, misses included.
+///
+/// Iterators take a snapshot (they hold a copy of the map, so the nodes stay alive):
+/// cow_ConstMapIterator walks in tree order (pre-order, left before right);
+/// cow_ConstMapSortedIt sorts the snapshot by key with qsort (ascending, or descending on request).
+///
+/// Instances used by the library: int keys with int, unsigned int, float, double, cow_String and
+/// list values; unsigned int keys with int, unsigned int, cow_String, atr_String; cow_String keys
+/// with int, unsigned int, float, double, cow_String, atr_String and list values. The instances
+/// whose values are cow_FixedArray, omi_BlkBitVect, uti_NumFormat, cls_Uid or cls_xp1DArrayListFloat
+/// come with those types.
 #ifndef COW_MAP_H
 #define COW_MAP_H
 
@@ -42,7 +43,8 @@
 #include "mem/mem_OutOfMemory.h"
 #include "zul_Compiler.h"
 
-// Key bit d of each key type.
+/// Key bit d of each key type.
+///@{
 inline int cow_MapKeyBit(int key, int d)
 {
     return (static_cast<unsigned int>(key) >> (d % 32)) & 1u;
@@ -61,8 +63,10 @@ inline int cow_MapKeyBit(const atr_StringBase& key, int d)
     const int index = (d % 2 == 0) ? d / 2 : length - 1 - (d - 1) / 2;
     return static_cast<unsigned char>(key.c_str()[index]) & 1u;
 }
+///@}
 
-// Three-way key order for the sorted iterator: integers by value, strings byte-wise unsigned.
+/// Three-way key order for the sorted iterator: integers by value, strings byte-wise unsigned.
+///@{
 inline int cow_MapKeyCompare(int a, int b)
 {
     return a < b ? -1 : (a > b ? 1 : 0);
@@ -78,7 +82,9 @@ inline int cow_MapKeyCompare(const atr_StringBase& a, const atr_StringBase& b)
     const int c = a.Compare(b);
     return c < 0 ? -1 : (c > 0 ? 1 : 0);
 }
+///@}
 
+/// A node of the tree: one entry and the links to its two children.
 template <class K, class V>
 struct cow_MapNode {
     typedef cow_COW<cow_MapNode, cow_Direct<cow_MapNode>> Link;
@@ -102,7 +108,7 @@ public:
     int Count() const { return m_count; }
     bool IsEmpty() const { return m_count == 0; }
 
-    // Replaces the value of a present key or adds the key; always true.
+    /// Replaces the value of a present key or adds the key; always true.
     bool Insert(const K& key, const V& value)
     {
         Link* link = &m_root;
@@ -120,7 +126,7 @@ public:
         return true;
     }
 
-    // The value of a present key, for writing: the search path is made private first.
+    /// The value of a present key, for writing: the search path is made private first.
     V& Get(const K& key)
     {
         Link* link = &m_root;
@@ -141,8 +147,8 @@ public:
 
     bool IsMember(const K& key) const { return Find(key) != nullptr; }
 
-    // Removal moves entries up the tree, so it runs on a copy that replaces this map only when
-    // every step has succeeded: a failure leaves this map and its sharers as they were.
+    /// Removal moves entries up the tree, so it runs on a copy that replaces this map only when
+    /// every step has succeeded: a failure leaves this map and its sharers as they were.
     bool Remove(const K& key)
     {
         if (!IsMember(key))
@@ -181,8 +187,8 @@ private:
         --m_count;
     }
 
-    // The next node on a search path is one of these two: its fetch starts while this node's
-    // key is compared (a string key's text is a block of its own).
+    /// The next node on a search path is one of these two: its fetch starts while this node's
+    /// key is compared (a string key's text is a block of its own).
     static void FetchChildren(const Node& node)
     {
         ZUL_PREFETCH(node.left.GetPtr());
@@ -202,9 +208,9 @@ private:
         return nullptr;
     }
 
-    // What Get and ConstGet answer for a missing key (a caller error): a default value, so that
-    // the error reads garbage rather than memory outside the map. It is the calling thread's own
-    // (see mem_ThreadObject), so the reset below never races with another thread.
+    /// What Get and ConstGet answer for a missing key (a caller error): a default value, so that
+    /// the error reads garbage rather than memory outside the map. It is the calling thread's own
+    /// (see mem_ThreadObject), so the reset below never races with another thread.
     static V& MissingValue()
     {
         V& value = *static_cast<V*>(mem_ThreadObject(&s_missingTag, &MakeMissing, &DestroyMissing));
@@ -213,7 +219,7 @@ private:
     }
     static void* MakeMissing() { return cow_New<V>(); }
     static void DestroyMissing(void* value) { cow_Destroy(static_cast<V*>(value)); }
-    static char s_missingTag;  // names this instance's fallback; never written
+    static char s_missingTag;  ///< names this instance's fallback; never written
 
     Link m_root;
     int32_t m_count;
@@ -222,7 +228,7 @@ private:
 template <class K, class V>
 char cow_Map<K, V>::s_missingTag = 0;
 
-// Steps through a snapshot of the map's nodes in tree order (pre-order, left before right).
+/// Steps through a snapshot of the map's nodes in tree order (pre-order, left before right).
 template <class K, class V>
 class cow_ConstMapIterator {
 public:
@@ -233,7 +239,7 @@ public:
     cow_ConstMapIterator(const cow_ConstMapIterator&) = delete;
     cow_ConstMapIterator& operator=(const cow_ConstMapIterator&) = delete;
 
-    // Takes a fresh snapshot and goes to its first entry.
+    /// Takes a fresh snapshot and goes to its first entry.
     void First()
     {
         mem_Free(m_nodes);
@@ -276,12 +282,12 @@ private:
         Collect(node.right, filled);
     }
 
-    cow_Map<K, V> m_map;  // keeps the snapshot's nodes alive
+    cow_Map<K, V> m_map;  ///< keeps the snapshot's nodes alive
     const Node** m_nodes;
     int m_pos;
 };
 
-// The same snapshot, sorted by key.
+/// The same snapshot, sorted by key.
 template <class K, class V>
 class cow_ConstMapSortedIt : public cow_ConstMapIterator<K, V> {
     typedef cow_MapNode<K, V> Node;
@@ -308,9 +314,11 @@ private:
     int (*m_compare)(const void*, const void*);
 };
 
+/// The keys or the values of a map, as lists.
 template <class K, class V>
 struct cow_MapUtils {
-    // The keys / values in tree order.
+    /// The keys / values in tree order.
+    ///@{
     static cow_List<K> cow_Keys(const cow_Map<K, V>& map)
     {
         cow_ConstMapIterator<K, V> it(map);
@@ -321,6 +329,7 @@ struct cow_MapUtils {
         cow_ConstMapIterator<K, V> it(map);
         return cow_CollectFrom<V>(it, [](const cow_ConstMapIterator<K, V>& i) -> const V& { return i.Value(); });
     }
+    ///@}
 };
 
 #endif

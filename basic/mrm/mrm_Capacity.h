@@ -1,9 +1,10 @@
-// Capacities of the memory manager's pools: recorded and reported, not enforced.
-// Thread rule: plain values; copies are independent.
+/// @file
+/// Capacities of the memory manager's pools: recorded and reported, not enforced.
+/// Thread rule: plain values; copies are independent.
 #ifndef MRM_CAPACITY_H
 #define MRM_CAPACITY_H
 
-// A large-block pool's limits in bytes. A new capacity is limited, with both limits 0.
+/// A large-block pool's limits in bytes. A new capacity is limited, with both limits 0.
 class mrm_Capacity {
 public:
     mrm_Capacity() : m_unlimited(false), m_lo(0.0), m_hi(0.0) {}
@@ -30,8 +31,8 @@ private:
     double m_hi;
 };
 
-// A small-block pool's limits: the bytes out to clients (the low limit is the pool's minimum
-// reservation) and the overhead factor applied to the bytes out when reserving.
+/// A small-block pool's limits: the bytes out to clients (the low limit is the pool's minimum
+/// reservation) and the overhead factor applied to the bytes out when reserving.
 class mrm_SmallBlockCapacity {
 public:
     mrm_SmallBlockCapacity() : m_unlimited(false), m_outLo(0.0), m_outHi(0.0), m_overheadFactor(1.0) {}

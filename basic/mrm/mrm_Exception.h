@@ -1,6 +1,7 @@
-// mrm_Exception: a request the memory manager cannot carry out (an unknown block or pool, a
-// size out of range, a pool still in use).
-// Thread rule: nex_Exception's (an exception and its copies share their texts).
+/// @class mrm_Exception
+/// mrm_Exception: a request the memory manager cannot carry out (an unknown block or pool, a
+/// size out of range, a pool still in use).
+/// Thread rule: nex_Exception's (an exception and its copies share their texts).
 #ifndef MRM_EXCEPTION_H
 #define MRM_EXCEPTION_H
 

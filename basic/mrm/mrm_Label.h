@@ -1,6 +1,7 @@
-// mrm_Label: the name under which the memory manager keeps a pool.
-// Thread rule: the name is a cow_String: labels that share it (copies) are used by one thread at a
-// time.
+/// @class mrm_Label
+/// mrm_Label: the name under which the memory manager keeps a pool.
+/// Thread rule: the name is a cow_String: labels that share it (copies) are used by one thread at a
+/// time.
 #ifndef MRM_LABEL_H
 #define MRM_LABEL_H
 

@@ -1,5 +1,6 @@
-// The two fixed lines that frame the library's diagnostic prints.
-// Thread rule: constant texts; any thread.
+/// @file
+/// The two fixed lines that frame the library's diagnostic prints.
+/// Thread rule: constant texts; any thread.
 #ifndef PNT_DEBUGMARKS_H
 #define PNT_DEBUGMARKS_H
 

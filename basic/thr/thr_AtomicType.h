@@ -1,9 +1,10 @@
-// thr_AtomicType<T>: a value with a mutex of its own. Assignment stores the value without taking
-// the mutex (a single aligned store is atomic on the machines the library runs on); callers that
-// read-modify-write take Mutex() around it.
-// Thread rule: stores and reads are plain, unlocked accesses (whole on x86-64, but not atomic to
-// the compiler or the thread sanitizer): a read-modify-write, and a read that must see a finished
-// update, take Mutex().
+/// @class thr_AtomicType
+/// thr_AtomicType<T>: a value with a mutex of its own. Assignment stores the value without taking
+/// the mutex (a single aligned store is atomic on the machines the library runs on); callers that
+/// read-modify-write take Mutex() around it.
+/// Thread rule: stores and reads are plain, unlocked accesses (whole on x86-64, but not atomic to
+/// the compiler or the thread sanitizer): a read-modify-write, and a read that must see a finished
+/// update, take Mutex().
 #ifndef THR_ATOMICTYPE_H
 #define THR_ATOMICTYPE_H
 
@@ -16,7 +17,7 @@ class thr_AtomicType {
 public:
     thr_AtomicType() : m_mutex(0), m_value() {}
     explicit thr_AtomicType(T value) : m_mutex(0), m_value(value) {}
-    // A copy gets a fresh, unheld mutex.
+    /// A copy gets a fresh, unheld mutex.
     thr_AtomicType(const thr_AtomicType& other) : m_mutex(0), m_value(other.m_value) {}
 
     thr_AtomicType& operator=(T value)

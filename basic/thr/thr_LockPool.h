@@ -1,13 +1,14 @@
-// thr_LockPool: the process's pool of reusable locks. GetLock() hands out a lock that no one else
-// was given; the pool grows by 10 when all are handed out. Locks are never given back.
-// GetLock raises the memory layer's out-of-memory exception when the pool cannot grow; the pool
-// is then unchanged.
-//
-// Thread rule: GetLock may be called from several threads at once (it runs under the pool's
-// mutex), and every lock serves any thread (a re-entrant thr_Mutex). Instance() and Finalize()
-// are not locked: the first Instance() comes before several threads use the pool, and the thr
-// module's tear-down ends it after they stop. Capacity() and HandedOut() read without the mutex:
-// exact only while no GetLock runs.
+/// @class thr_LockPool
+/// thr_LockPool: the process's pool of reusable locks. GetLock() hands out a lock that no one else
+/// was given; the pool grows by 10 when all are handed out. Locks are never given back.
+/// GetLock raises the memory layer's out-of-memory exception when the pool cannot grow; the pool
+/// is then unchanged.
+///
+/// Thread rule: GetLock may be called from several threads at once (it runs under the pool's
+/// mutex), and every lock serves any thread (a re-entrant thr_Mutex). Instance() and Finalize()
+/// are not locked: the first Instance() comes before several threads use the pool, and the thr
+/// module's tear-down ends it after they stop. Capacity() and HandedOut() read without the mutex:
+/// exact only while no GetLock runs.
 #ifndef THR_LOCKPOOL_H
 #define THR_LOCKPOOL_H
 
@@ -15,6 +16,7 @@
 #include "thr/thr_Mutex.h"
 #include "zul_BasicExport.h"
 
+/// A lock of the pool, known by its number.
 class ZUL_BASIC_API thr_PoolLock : public mem_AllocationOperators {
 public:
     explicit thr_PoolLock(int number);
@@ -33,6 +35,7 @@ private:
 
 class ZUL_BASIC_API thr_LockPool : public omi_Singleton<thr_LockPool> {
 public:
+    /// The pool's first size and its growth step.
     enum { kInitialCapacity = 10, kGrowth = 10 };
 
     thr_LockPool();

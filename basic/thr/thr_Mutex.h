@@ -1,11 +1,12 @@
-// thr_Mutex: a lock that remembers whether it is held.
-//
-// Lock() is re-entrant for the thread that holds the mutex (a critical section on Windows, a
-// recursive pthread mutex elsewhere); TryLock() never re-enters: it fails at once whenever the
-// mutex is held, by any thread, the caller included. Unlock() must be called once per Lock().
-//
-// Thread rule: made for several threads: Lock and TryLock from any thread, Unlock on the thread
-// that holds the mutex. IsHeld is a relaxed read: a hint that orders nothing.
+/// @class thr_Mutex
+/// thr_Mutex: a lock that remembers whether it is held.
+///
+/// Lock() is re-entrant for the thread that holds the mutex (a critical section on Windows, a
+/// recursive pthread mutex elsewhere); TryLock() never re-enters: it fails at once whenever the
+/// mutex is held, by any thread, the caller included. Unlock() must be called once per Lock().
+///
+/// Thread rule: made for several threads: Lock and TryLock from any thread, Unlock on the thread
+/// that holds the mutex. IsHeld is a relaxed read: a hint that orders nothing.
 #ifndef THR_MUTEX_H
 #define THR_MUTEX_H
 
@@ -16,7 +17,7 @@
 
 class ZUL_BASIC_API thr_Mutex : public mem_AllocationOperators {
 public:
-    // Callers pass 0: the argument is stored as the held flag.
+    /// Callers pass 0: the argument is stored as the held flag.
     explicit thr_Mutex(unsigned int held = 0);
     ~thr_Mutex();
     thr_Mutex(const thr_Mutex&) = delete;
@@ -24,7 +25,7 @@ public:
 
     void Lock();
     void Unlock();
-    // 1 when the mutex was free and is now held by the caller, 0 otherwise.
+    /// 1 when the mutex was free and is now held by the caller, 0 otherwise.
     [[nodiscard]] int TryLock();
 
     bool IsHeld() const { return m_held.load(std::memory_order_relaxed) != 0; }
@@ -34,7 +35,7 @@ private:
     alignas(8) unsigned char m_lock[48];
 };
 
-// Holds a mutex for the life of a scope.
+/// Holds a mutex for the life of a scope.
 class thr_MutexGuard {
 public:
     explicit thr_MutexGuard(thr_Mutex& m) : m_mutex(m) { m_mutex.Lock(); }
@@ -46,9 +47,11 @@ private:
     thr_Mutex& m_mutex;
 };
 
-// The points where a platform with a weaker memory order would fence. On x86-64 stores are
-// seen in program order, so both do nothing.
+/// The points where a platform with a weaker memory order would fence. On x86-64 stores are
+/// seen in program order, so both do nothing.
+///@{
 inline void thr_MemoryBarrier() {}
 inline void thr_WriteMemoryBarrier() {}
+///@}
 
 #endif

@@ -1,9 +1,10 @@
-// uti_Coord3D: a point of three single-precision coordinates.
-//
-// A value type, polymorphic so that persistent subclasses and the class registry can treat it
-// like the library's other persistent objects. Equality is exact float equality of all three
-// coordinates (a NaN coordinate is unequal to everything).
-// Thread rule: a plain value; copies are independent.
+/// @class uti_Coord3D
+/// uti_Coord3D: a point of three single-precision coordinates.
+///
+/// A value type, polymorphic so that persistent subclasses and the class registry can treat it
+/// like the library's other persistent objects. Equality is exact float equality of all three
+/// coordinates (a NaN coordinate is unequal to everything).
+/// Thread rule: a plain value; copies are independent.
 #ifndef UTI_COORD3D_H
 #define UTI_COORD3D_H
 
@@ -21,11 +22,13 @@ public:
     uti_Coord3D& operator=(const uti_Coord3D&) = default;
     virtual ~uti_Coord3D();
 
-    // Persistence: the class's id in the class registry, its fields written through a visitor,
-    // and the point read back from one.
+    /// Persistence: the class's id in the class registry, its fields written through a visitor,
+    /// and the point read back from one.
+    ///@{
     static unsigned TypeId() { return 0x20C01u; }
     explicit uti_Coord3D(const cls_ReadVisitor& reader);
     virtual void DBWrite(const cls_WriteVisitor& writer) const;
+    ///@}
 
     float X() const { return m_x; }
     float Y() const { return m_y; }
@@ -43,7 +46,7 @@ public:
         m_z = z;
     }
 
-    // Squared distance to another point (no square root).
+    /// Squared distance to another point (no square root).
     double DistanceSquared(const uti_Coord3D& other) const;
 
     bool operator==(const uti_Coord3D& o) const { return m_x == o.m_x && m_y == o.m_y && m_z == o.m_z; }

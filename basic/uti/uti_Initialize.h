@@ -1,5 +1,6 @@
-// Start-up and shut-down of the uti module (utilities); see typ/typ_Module.h for the counting rule.
-// Thread rule: on one thread, before other threads use the module and after they stop.
+/// @file
+/// Start-up and shut-down of the uti module (utilities); see typ/typ_Module.h for the counting rule.
+/// Thread rule: on one thread, before other threads use the module and after they stop.
 #ifndef UTI_INITIALIZE_H
 #define UTI_INITIALIZE_H
 

@@ -1,24 +1,25 @@
-// utl_BinOStream / utl_BinIStream: the library's binary record format on an open descriptor.
-//
-// Format: fixed widths, little-endian, no padding, headers or tags. 1-, 2-, 4- and 8-byte
-// integers; a string is a 4-byte signed length n followed by n bytes (no terminator; an empty
-// string is just the length 0); int, float and double arrays are their elements back to back
-// with NO count (the caller writes n itself). A single real is an array of length 1.
-//
-// The streams do not own the descriptor and keep no buffer: every item is one system call (a
-// string two). The EndianType argument is accepted and ignored: values are always written in
-// the machine's order, little-endian on every target. Failures raise utl_BinStreamException or
-// one of its subclasses; end of file (utl_BinStreamEOF) is not a read error.
-//
-// A negative string length read from a stream raises utl_BinStreamBadLength: nothing is
-// allocated or written for it. Other lengths are taken as written.
-//
-// Thread rule: a stream holds only its descriptor, so the descriptor's position is what is
-// shared. Streams on one descriptor (an input and an output stream, or one stream on two
-// threads) work item by item on that position, each item one or more system calls: used from
-// several threads, their items interleave and one thread's string length can be parted from its
-// bytes. Use a descriptor from one thread at a time. Constructing a stream sets the descriptor
-// to binary mode (Windows). The array readers and writers take n elements at p, unchecked.
+/// @file
+/// utl_BinOStream / utl_BinIStream: the library's binary record format on an open descriptor.
+///
+/// Format: fixed widths, little-endian, no padding, headers or tags. 1-, 2-, 4- and 8-byte
+/// integers; a string is a 4-byte signed length n followed by n bytes (no terminator; an empty
+/// string is just the length 0); int, float and double arrays are their elements back to back
+/// with NO count (the caller writes n itself). A single real is an array of length 1.
+///
+/// The streams do not own the descriptor and keep no buffer: every item is one system call (a
+/// string two). The EndianType argument is accepted and ignored: values are always written in
+/// the machine's order, little-endian on every target. Failures raise utl_BinStreamException or
+/// one of its subclasses; end of file (utl_BinStreamEOF) is not a read error.
+///
+/// A negative string length read from a stream raises utl_BinStreamBadLength: nothing is
+/// allocated or written for it. Other lengths are taken as written.
+///
+/// Thread rule: a stream holds only its descriptor, so the descriptor's position is what is
+/// shared. Streams on one descriptor (an input and an output stream, or one stream on two
+/// threads) work item by item on that position, each item one or more system calls: used from
+/// several threads, their items interleave and one thread's string length can be parted from its
+/// bytes. Use a descriptor from one thread at a time. Constructing a stream sets the descriptor
+/// to binary mode (Windows). The array readers and writers take n elements at p, unchecked.
 #ifndef UTL_BINSTREAM_H
 #define UTL_BINSTREAM_H
 
@@ -29,23 +30,27 @@
 #include "omi/omi_Swapper.h"
 #include "zul_BasicExport.h"
 
+/// Any failure of a binary stream; the base of the others.
 NEX_TEXT_EXCEPTION(utl_BinStreamException, nex_TextException, 0x30201u);
 
+/// A failed write.
 NEX_TEXT_EXCEPTION(utl_BinStreamWriteError, utl_BinStreamException, 0x30202u);
 
+/// A failed read (end of file excepted).
 NEX_TEXT_EXCEPTION(utl_BinStreamReadError, utl_BinStreamException, 0x30203u);
 
-// End of file before the requested count; not a utl_BinStreamReadError.
+/// End of file before the requested count; not a utl_BinStreamReadError.
 NEX_TEXT_EXCEPTION(utl_BinStreamEOF, utl_BinStreamException, 0x30204u);
 
-// A string length below zero in the data.
+/// A string length below zero in the data.
 NEX_TEXT_EXCEPTION(utl_BinStreamBadLength, utl_BinStreamException, 0x30205u);
 
+/// Writes the binary record format to a descriptor (see utl_BinStream.h).
 class ZUL_BASIC_API utl_BinOStream {
 public:
     utl_BinOStream(int fd, omi_Swapper::EndianType);
 
-    // Writes count bytes (count <= 0 writes nothing); short writes are continued.
+    /// Writes count bytes (count <= 0 writes nothing); short writes are continued.
     void Write(const char* data, int count);
 
     void WriteSchar(signed char v) { Write(reinterpret_cast<const char*>(&v), 1); }
@@ -79,12 +84,13 @@ private:
     int m_fd;
 };
 
+/// Reads the binary record format from a descriptor (see utl_BinStream.h).
 class ZUL_BASIC_API utl_BinIStream {
 public:
     utl_BinIStream(int fd, omi_Swapper::EndianType);
 
-    // Reads count bytes (count <= 0 reads nothing); short reads are continued. Bytes read before
-    // an end of file stay in the buffer.
+    /// Reads count bytes (count <= 0 reads nothing); short reads are continued. Bytes read before
+    /// an end of file stay in the buffer.
     void Read(char* data, int count) const;
 
     signed char ReadSchar() const { return ReadScalar<signed char>(); }

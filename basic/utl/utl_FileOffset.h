@@ -1,5 +1,6 @@
-// utl_FileOffset: a signed 64-bit byte position or size in a file.
-// Thread rule: a plain value.
+/// @class utl_FileOffset
+/// utl_FileOffset: a signed 64-bit byte position or size in a file.
+/// Thread rule: a plain value.
 #ifndef UTL_FILEOFFSET_H
 #define UTL_FILEOFFSET_H
 
@@ -14,8 +15,8 @@ public:
     int64_t Value() const { return m_value; }
     operator int64_t() const { return m_value; }
 
-    // this - other as a 32-bit int; a difference outside the 32-bit range raises
-    // nex_AssertException "d >= INT_MIN && d <= INT_MAX".
+    /// this - other as a 32-bit int; a difference outside the 32-bit range raises
+    /// nex_AssertException "d >= INT_MIN && d <= INT_MAX".
     int DiffAsInt32(const utl_FileOffset& other) const;
 
 private:

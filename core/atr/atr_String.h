@@ -1,8 +1,9 @@
-// atr_String: the public face of atr_StringBase. No data of its own; the operations are the
-// base's, published by atr_StringOps (see atr_StringBase.h for the meaning of positions, counts
-// and sharing).
-// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
-// time.
+/// @class atr_String
+/// atr_String: the public face of atr_StringBase. No data of its own; the operations are the
+/// base's, published by atr_StringOps (see atr_StringBase.h for the meaning of positions, counts
+/// and sharing).
+/// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
+/// time.
 #ifndef ATR_STRING_H
 #define ATR_STRING_H
 
@@ -26,7 +27,7 @@ public:
     explicit atr_String(float v) : Ops(v) {}
     explicit atr_String(double v) : Ops(v) {}
 
-    // Shares the representation of any string of the family (count + 1).
+    /// Shares the representation of any string of the family (count + 1).
     atr_String(const atr_StringBase& o) : Ops(o) {}
     atr_String(const atr_String& o) : Ops(o) {}
     atr_String(atr_String&& o) noexcept : Ops() { atr_StringBase::operator=(static_cast<atr_StringBase&&>(o)); }
@@ -56,16 +57,20 @@ public:
         return *this;
     }
 
-    // printf-style formatting (no positional arguments; see atr_translate for those).
+    /// printf-style formatting (no positional arguments; see atr_translate for those).
+    ///@{
     static atr_String Format(const char* fmt, ...) ZUL_PRINTF_FORMAT(1, 2);
     static atr_String FormatV(const char* fmt, va_list args);
-    // Appends printf-style formatted text; returns the string.
+    ///@}
+    /// Appends printf-style formatted text; returns the string.
     atr_String& AppendFormat(const char* fmt, ...) ZUL_PRINTF_FORMAT(2, 3);
 };
 
-// Concatenation.
+/// Concatenation.
+///@{
 ZUL_CORE_API atr_String operator+(const atr_StringBase& a, const atr_StringBase& b);
 ZUL_CORE_API atr_String operator+(const atr_StringBase& a, const char* b);
 ZUL_CORE_API atr_String operator+(const char* a, const atr_StringBase& b);
+///@}
 
 #endif

@@ -1,12 +1,13 @@
-// atr_StringOps<Self>: the public operations of a string type of the family, written once.
-//
-// A public string type (atr_String, cow_String) derives from atr_StringOps<itself>, which
-// derives from atr_StringBase and adds no data: it publishes the base's protected operations,
-// with the chaining ones returning the derived type. See atr_StringBase.h for the meaning of
-// positions, counts and sharing.
-//
-// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
-// time.
+/// @class atr_StringOps
+/// atr_StringOps<Self>: the public operations of a string type of the family, written once.
+///
+/// A public string type (atr_String, cow_String) derives from atr_StringOps<itself>, which
+/// derives from atr_StringBase and adds no data: it publishes the base's protected operations,
+/// with the chaining ones returning the derived type. See atr_StringBase.h for the meaning of
+/// positions, counts and sharing.
+///
+/// Thread rule: atr_StringBase's: strings that share a representation are used by one thread at a
+/// time.
 #ifndef ATR_STRINGOPS_H
 #define ATR_STRINGOPS_H
 
@@ -67,7 +68,7 @@ public:
     Self& ToUpper() { return Me(atr_StringBase::ToUpper()); }
     Self& Clear() { return Me(atr_StringBase::Clear()); }
 
-    // A copy of count characters from pos (count < 0: to the end), clamped to the string.
+    /// A copy of count characters from pos (count < 0: to the end), clamped to the string.
     Self Substr(int pos, int count = -1) const { return Self(atr_StringBase::Substr(pos, count)); }
 
     void swap(Self& o) noexcept { atr_StringBase::swap(o); }
