@@ -19,8 +19,8 @@
 /// int, float and double lists; the uti_Coord3D instance comes with the coordinate classes.
 ///
 /// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
-/// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
-/// element of an element type with a count of its own (lists of lists).
+/// snapshots their iterators hold) are used by one thread at a time; lists that share nothing may
+/// be used on different threads (the default element of blocks not made yet is per thread).
 #ifndef COW_1DARRAYLIST_H
 #define COW_1DARRAYLIST_H
 

@@ -17,8 +17,8 @@
 /// and cow_1DArrayList<int>.
 ///
 /// Thread rule: the storage's (cow_1DArray.h): lists that share storage (a list, its copies and the
-/// snapshots their iterators hold) are used by one thread at a time, and so is the shared default
-/// element of an element type with a count of its own (lists of lists).
+/// snapshots their iterators hold) are used by one thread at a time; lists that share nothing may
+/// be used on different threads (the default element of blocks not made yet is per thread).
 #ifndef COW_LIST_H
 #define COW_LIST_H
 

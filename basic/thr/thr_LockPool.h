@@ -6,8 +6,8 @@
 ///
 /// Thread rule: GetLock may be called from several threads at once (it runs under the pool's
 /// mutex), and every lock serves any thread (a re-entrant thr_Mutex). Instance() and Finalize()
-/// are not locked: the first Instance() comes before several threads use the pool, and the thr
-/// module's tear-down ends it after they stop. Capacity() and HandedOut() read without the mutex:
+/// are not locked: the thr module's start-up makes the pool before any thread can ask for it,
+/// and its tear-down ends it after they stop. Capacity() and HandedOut() read without the mutex:
 /// exact only while no GetLock runs.
 #ifndef THR_LOCKPOOL_H
 #define THR_LOCKPOOL_H
