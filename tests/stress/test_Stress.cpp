@@ -13,7 +13,6 @@
 #include "thr/thr_ThreadPool.h"
 #include "uti/uti_Spawn.h"
 #include "utl/utl_MultisectionFile.h"
-#include "zul_SpawnTestSupport.h"
 #include "zul_TestSupport.h"
 
 namespace {
