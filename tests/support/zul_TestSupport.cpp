@@ -118,23 +118,4 @@ Descriptor::~Descriptor()
         CloseDescriptor(m_fd);
 }
 
-StdoutCapture::StdoutCapture(const std::string& path)
-{
-    std::fflush(stdout);
-    m_saved = DuplicateDescriptor(1);
-    const int fd = OpenForWriting(path);
-    ReplaceDescriptor(fd, 1);
-    CloseDescriptor(fd);
-}
-
-void StdoutCapture::Stop()
-{
-    if (m_saved < 0)
-        return;
-    std::fflush(stdout);
-    ReplaceDescriptor(m_saved, 1);
-    CloseDescriptor(m_saved);
-    m_saved = -1;
-}
-
 }  // namespace zul_test

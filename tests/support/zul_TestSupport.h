@@ -43,9 +43,6 @@ std::string ProgramDirectory();
 // open failed.
 int OpenDescriptor(const std::string& path, int flags, int mode = 0600);
 void CloseDescriptor(int fd);
-// dup and dup2 of the runtime library.
-int DuplicateDescriptor(int fd);
-void ReplaceDescriptor(int from, int to);
 // The number of descriptors open in this process (Linux only; -1 elsewhere).
 int OpenDescriptorCount();
 // popen and pclose of the runtime library, reading in binary mode.
@@ -105,19 +102,6 @@ public:
 
 private:
     int m_fd;
-};
-
-// Sends this process's standard output to a file until Stop (or destruction).
-class StdoutCapture {
-public:
-    explicit StdoutCapture(const std::string& path);
-    ~StdoutCapture() { Stop(); }
-    StdoutCapture(const StdoutCapture&) = delete;
-    StdoutCapture& operator=(const StdoutCapture&) = delete;
-    void Stop();
-
-private:
-    int m_saved;
 };
 
 // A copy of the E that `action` raises, none when it raises nothing (any other exception goes on

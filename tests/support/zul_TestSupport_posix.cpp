@@ -55,16 +55,6 @@ void CloseDescriptor(int fd)
     close(fd);
 }
 
-int DuplicateDescriptor(int fd)
-{
-    return dup(fd);
-}
-
-void ReplaceDescriptor(int from, int to)
-{
-    dup2(from, to);
-}
-
 int OpenDescriptorCount()
 {
     DIR* dir = opendir("/proc/self/fd");

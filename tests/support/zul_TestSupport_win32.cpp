@@ -45,16 +45,6 @@ void CloseDescriptor(int fd)
     _close(fd);
 }
 
-int DuplicateDescriptor(int fd)
-{
-    return _dup(fd);
-}
-
-void ReplaceDescriptor(int from, int to)
-{
-    _dup2(from, to);
-}
-
 int OpenDescriptorCount()
 {
     return -1;

@@ -1,7 +1,6 @@
 // The child program of the tests that start processes (tests/uti, tests/utl, tests/stress). The
 // first argument picks what it does:
 //   args           prints each further argument as "<length>:<text>" on a line of its own
-//   env NAME...    prints "NAME=value" or "NAME unset" for each name
 //   environ        prints its whole environment, one entry per line, in table order
 //   cat            copies its standard input to its standard output
 //   mixed          writes "out1", then "err" to the error stream, then "out2", flushing each
@@ -105,14 +104,6 @@ int main(int argc, char** argv)
     if (mode == "args") {
         for (int i = 2; i < argc; ++i)
             std::printf("%d:%s\n", static_cast<int>(std::strlen(argv[i])), argv[i]);
-    } else if (mode == "env") {
-        for (int i = 2; i < argc; ++i) {
-            const char* value = std::getenv(argv[i]);
-            if (value)
-                std::printf("%s=%s\n", argv[i], value);
-            else
-                std::printf("%s unset\n", argv[i]);
-        }
     } else if (mode == "environ") {
         for (char** e = zul_test::EnvironmentTable(); e && *e; ++e)
             std::printf("%s\n", *e);

@@ -35,9 +35,11 @@ TEST(UtlHostInfo, ProcessAndHost)
 #endif
     EXPECT_EQ(utl_getNumberCpus(), static_cast<int>(std::thread::hardware_concurrency()));
     const int mhz = utl_getCpusClockSpeed();
-    EXPECT_TRUE(mhz == -1 || mhz > 0) << mhz;
+    EXPECT_TRUE(mhz == -1 || mhz > 0) << mhz << ": a speed, or -1 when the system does not tell";
+    EXPECT_EQ(utl_sleep(1), 1);
 }
 
+// The vendor string and the flags read from it agree; the model has a name.
 TEST(UtlHostInfo, ProcessorIdentification)
 {
     char vendor[16];
@@ -46,14 +48,10 @@ TEST(UtlHostInfo, ProcessorIdentification)
     EXPECT_EQ(std::strlen(vendor), 12u);
     EXPECT_EQ(utl_isIntelCore(), std::strcmp(vendor, "GenuineIntel") == 0 ? 1 : 0);
     EXPECT_EQ(utl_isAMDCore(), std::strcmp(vendor, "AuthenticAMD") == 0 ? 1 : 0);
-    EXPECT_EQ(utl_has3DNOWsupport(), utl_isAMDCore());
     char model[49] = {};
     utl_getProcessorModel(model);
     EXPECT_GT(std::strlen(model), 0u);
-    EXPECT_EQ(utl_hasSSEsupport() + utl_hasSSE2support() + utl_isP4Compat(), 3);
-    const int sse3 = utl_hasSSE3support();
-    EXPECT_TRUE(sse3 == 0 || sse3 == 1);
-    EXPECT_EQ(utl_sleep(1), 1);
+    EXPECT_EQ(utl_hasSSE2support(), 1) << "every x86-64 processor has SSE2";
 }
 
 }  // namespace

@@ -2,10 +2,12 @@
 // real full disks (Linux).
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -34,9 +36,7 @@ struct Shape {
     {
         Sections out = before;
         for (const auto& change : changes) {
-            auto it = out.begin();
-            while (it != out.end() && it->first != change.first)
-                ++it;
+            auto it = std::find_if(out.begin(), out.end(), [&](const auto& s) { return s.first == change.first; });
             if (it == out.end())
                 out.push_back(change);
             else
@@ -45,6 +45,19 @@ struct Shape {
         return out;
     }
 };
+
+// The bytes of a file, none when it does not exist; and the file put back as it was.
+std::optional<std::string> Snapshot(const std::string& path)
+{
+    return fs::exists(path) ? std::optional<std::string>(zul_test::ReadFileBytes(path)) : std::nullopt;
+}
+
+void PutBack(const std::string& path, const std::optional<std::string>& bytes)
+{
+    fs::remove(path);
+    if (bytes)
+        zul_test::WriteFileBytes(path, *bytes);
+}
 
 // One save of a shape with one fault armed around it, and every promise checked after it.
 class FaultedSave {
@@ -67,8 +80,9 @@ public:
         if (!m_image.empty())
             zul_test::WriteFileBytes(m_path, m_image);
         const std::string savePath = SaveFileOf(m_path);
-        std::string message, container, saveFile;
-        bool threw = false, hadContainer = false, hadSaveFile = false;
+        std::string message;
+        bool threw = false;
+        std::optional<std::string> container, saveFile;
         {
             utl_MultisectionFile f(m_path.c_str(), m_image.empty() ? utl_FileAccessWrite : utl_FileAccessUpdate);
             for (const auto& change : m_shape.changes)
@@ -89,13 +103,9 @@ public:
             } catch (const nex_Exception& e) {
                 ADD_FAILURE() << label << ": the object no longer reads: " << e.UserReport().c_str();
             }
-            hadContainer = fs::exists(m_path);
-            hadSaveFile = fs::exists(savePath);
-            if (hadContainer)
-                container = zul_test::ReadFileBytes(m_path);
-            if (hadSaveFile)
-                saveFile = zul_test::ReadFileBytes(savePath);
-            if (threw && hadSaveFile && !m_lockChecked) {
+            container = Snapshot(m_path);
+            saveFile = Snapshot(savePath);
+            if (threw && saveFile && !m_lockChecked) {
                 cow_String used;
                 ExpectFailure(m_path, "Cannot create the lock file.",
                               [&] { utl_MultisectionFile::RestoreFromSaveFile(m_path.c_str(), used); });
@@ -107,37 +117,31 @@ public:
             } catch (const nex_Exception& e) {
                 ADD_FAILURE() << label << ": the retry failed: " << e.UserReport().c_str();
             }
-            Sections now;
-            EXPECT_TRUE(ReadSections(m_path, now) && now == m_after) << label << ": the retry";
+            EXPECT_TRUE(Holds(m_path, m_after)) << label << ": the retry";
             EXPECT_FALSE(fs::exists(savePath)) << label << ": the retry";
         }
         // Back to the files as the failure left them, the object gone.
-        fs::remove(m_path);
-        if (hadContainer)
-            zul_test::WriteFileBytes(m_path, container);
-        if (hadSaveFile)
-            zul_test::WriteFileBytes(savePath, saveFile);
-        Sections now;
-        const bool kept = message.find("\"zulutil msf recover " + m_path + "\"") != std::string::npos;
+        PutBack(m_path, container);
+        PutBack(savePath, saveFile);
         if (!threw) {
-            EXPECT_TRUE(ReadSections(m_path, now) && now == m_after) << label << ": no failure, no new contents";
+            EXPECT_TRUE(Holds(m_path, m_after)) << label << ": no failure, no new contents";
             return true;
         }
+        const bool kept = message.find("\"zulutil msf recover " + m_path + "\"") != std::string::npos;
         if (kept) {
             EXPECT_NE(message.find("\"" + savePath + "\""), std::string::npos) << label << ": " << message;
-            EXPECT_TRUE(ReadSections(savePath, now) && now == m_after) << label << ": the kept save file";
+            EXPECT_TRUE(Holds(savePath, m_after)) << label << ": the kept save file";
         } else {
             EXPECT_TRUE(deleteFault || !fs::exists(savePath)) << label << ": a save file left: " << message;
         }
         // The old contents, the new ones, or a restore that gives the new ones.
-        const bool readable = ReadSections(m_path, now);
-        const bool old = m_image.empty() ? !fs::exists(m_path) : readable && now == m_shape.before;
-        if (!old && !(readable && now == m_after)) {
+        const bool old = m_image.empty() ? !fs::exists(m_path) : Holds(m_path, m_shape.before);
+        if (!old && !Holds(m_path, m_after)) {
             cow_String used;
             EXPECT_TRUE(kept) << label << ": the container lost its contents: " << message;
             EXPECT_EQ(utl_MultisectionFile::RestoreFromSaveFile(m_path.c_str(), used), utl_MultisectionFile::RestoreDone)
                 << label;
-            const bool restored = ReadSections(m_path, now) && now == m_after;
+            const bool restored = Holds(m_path, m_after);
             EXPECT_TRUE(restored) << label << ": the restore";
             EXPECT_FALSE(fs::exists(savePath)) << label << ": the restore";
             m_lost += restored ? 0 : 1;
@@ -286,8 +290,7 @@ TEST(UtlMultisectionFile, AFullDiskStopsTheSaveBeforeTheContainer)
         });
     };
     auto expectUntouched = [&](const std::string& directory, const std::string& path) {
-        Sections now;
-        EXPECT_TRUE(ReadSections(path, now) && now == before);
+        EXPECT_TRUE(Holds(path, before));
         EXPECT_EQ(FilesIn(directory), std::vector<std::string>{"c.msf"});
     };
     zul_test::TempDir dir;

@@ -44,6 +44,13 @@ inline bool ReadSections(const std::string& path, Sections& out)
     }
 }
 
+// Whether the container at `path` reads and holds exactly the sections.
+inline bool Holds(const std::string& path, const Sections& sections)
+{
+    Sections now;
+    return ReadSections(path, now) && now == sections;
+}
+
 // Creates the container at `path` (replacing it) with the sections.
 inline void WriteContainer(const std::string& path, const Sections& sections)
 {
