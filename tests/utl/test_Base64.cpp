@@ -73,20 +73,16 @@ TEST(UtlBase64, LineLayout)
         EXPECT_EQ(Encode(std::string(n, 'x'), true).size(), utl_base64EncodedLength(n, true)) << n;
 }
 
-TEST(UtlBase64, RoundTrips)
+// A large buffer both ways (round trips of small ones are a property of fuzz_base64).
+TEST(UtlBase64, LargeRoundTrips)
 {
     std::mt19937 rng(1234);
-    for (size_t n = 0; n < 300; ++n) {
-        const std::string bytes = RandomBytes(rng, n);
-        for (bool lines : {false, true}) {
-            const std::string text = Encode(bytes, lines);
-            EXPECT_EQ(text.find('/'), std::string::npos);
-            ASSERT_EQ(Decode(text, lines), bytes) << n << " " << lines;
-        }
-    }
     const std::string big = RandomBytes(rng, (1 << 20) + 7);
-    EXPECT_EQ(Decode(Encode(big, true), true), big);
-    EXPECT_EQ(Decode(Encode(big, false), false), big);
+    for (bool lines : {false, true}) {
+        const std::string text = Encode(big, lines);
+        EXPECT_EQ(text.find('/'), std::string::npos);
+        EXPECT_EQ(Decode(text, lines), big);
+    }
 }
 
 TEST(UtlBase64, RejectsWhatTheEncoderNeverWrites)
