@@ -1,27 +1,17 @@
+// The command line: the option rule, typed getters and their errors, dictionaries, and the flat
+// entry points, called from C++, from a C program and from a Fortran program.
 #include <gtest/gtest.h>
 
-#include <cstdio>
-#include <cstdlib>
 #include <cstring>
 #include <string>
 
 #include "typ/typ_DebugFlags.h"
 #include "utl/utl_CommandLine.h"
-
-#ifdef _WIN32
-#define popen _popen
-#define pclose _pclose
-#endif
+#include "zul_TestSupport.h"
 
 namespace {
 
-cow_1DArrayList<cow_String> List(std::initializer_list<const char*> items)
-{
-    cow_1DArrayList<cow_String> list;
-    for (const char* s : items)
-        list.Append(cow_String(s));
-    return list;
-}
+using zul_test::Arguments;
 
 // Restores the process's own arguments after a test replaced them.
 class CommandLineTest : public ::testing::Test {
@@ -41,24 +31,10 @@ private:
     }
 };
 
+// Runs a program beside the test program with the arguments; answers its output.
 std::string RunProgram(const std::string& program, const std::string& args)
 {
-    const char* dir = std::getenv("ZUL_TEST_BIN_DIR");
-    std::string command = std::string(dir ? dir : ".") + "/" + program + " " + args;
-    FILE* pipe = popen(command.c_str(), "r");
-    if (!pipe)
-        return "<could not run " + command + ">";
-    std::string out;
-    char buffer[256];
-    size_t n;
-    while ((n = fread(buffer, 1, sizeof buffer, pipe)) > 0)
-        out.append(buffer, n);
-    pclose(pipe);
-    std::string clean;
-    for (char c : out)
-        if (c != '\r')
-            clean += c;
-    return clean;
+    return zul_test::CommandOutput(zul_test::ProgramPath(program) + " " + args);
 }
 
 }  // namespace
@@ -89,14 +65,14 @@ TEST_F(CommandLineTest, OptionRule)
     EXPECT_EQ(line.Size(), 1);
     EXPECT_FALSE(line.IsMember("a"));
 
-    line.SetArgsList(List({"-first", "1", "pos"}));  // no program-name slot in this form
+    line.SetArgsList(Arguments({"-first", "1", "pos"}));  // no program-name slot in this form
     EXPECT_STREQ(line.ConstGetValue("first").c_str(), "1");
     EXPECT_EQ(line.Size(), 3);
 }
 
 TEST_F(CommandLineTest, TypedGettersAndTheirErrors)
 {
-    line.SetArgsList(List({"-n", "42", "-bad", "12a", "-empty", "-big", "5000000000", "-neg"}));
+    line.SetArgsList(Arguments({"-n", "42", "-bad", "12a", "-empty", "-big", "5000000000", "-neg"}));
     EXPECT_EQ(line.ConstGetValueAsInt("n"), 42);
     EXPECT_EQ(line.ConstGetValueAsInt("empty"), 0);
     EXPECT_EQ(line.ConstGetValueAsInt("absent", 7), 7);
@@ -104,18 +80,11 @@ TEST_F(CommandLineTest, TypedGettersAndTheirErrors)
     EXPECT_EQ(line.ConstGetValueAsSizeT("absent", 9ULL), 9ULL);
     EXPECT_STREQ(line.ConstGetValue("absent", "dflt").c_str(), "dflt");
 
-    try {
-        line.ConstGetValueAsInt("bad", 1);  // present but malformed: the default does not apply
-        FAIL();
-    } catch (const utl_CmdLineArgFormatException& e) {
-        EXPECT_STREQ(e.AsString().c_str(), "Command line argument bad must have type integer");
-    }
-    try {
-        line.ConstGetValue("absent");
-        FAIL();
-    } catch (const utl_MissingCmdLineArgException& e) {
-        EXPECT_STREQ(e.AsString().c_str(), "Command line argument absent is required.");
-    }
+    // Present but malformed: the default does not apply.
+    EXPECT_EQ(zul_test::ReportOf<utl_CmdLineArgFormatException>([&] { line.ConstGetValueAsInt("bad", 1); }),
+              "Command line argument bad must have type integer");
+    EXPECT_EQ(zul_test::ReportOf<utl_MissingCmdLineArgException>([&] { line.ConstGetValue("absent"); }),
+              "Command line argument absent is required.");
     EXPECT_THROW(line.ConstGetValueAsSizeT("absent"), utl_MissingCmdLineArgException);
     EXPECT_THROW(line.ConstGetValueAsDictionary("absent"), utl_MissingCmdLineArgException);
 }
@@ -132,7 +101,7 @@ TEST_F(CommandLineTest, DictionaryAndTheErrorOption)
     const int cls = typ_DebugFlags::GetDebugFlags("cls");
     const int nex = typ_DebugFlags::GetDebugFlags("nex");
     const int utl = typ_DebugFlags::GetDebugFlags("utl");
-    line.SetArgsList(List({"-error", "cls=3,nex,utl=0"}));
+    line.SetArgsList(Arguments({"-error", "cls=3,nex,utl=0"}));
     EXPECT_EQ(typ_DebugFlags::GetDebugFlags("cls"), 3);
     EXPECT_EQ(typ_DebugFlags::GetDebugFlags("nex"), 1);
     EXPECT_EQ(typ_DebugFlags::GetDebugFlags("utl"), utl);  // level 0 is skipped
@@ -142,7 +111,7 @@ TEST_F(CommandLineTest, DictionaryAndTheErrorOption)
 
 TEST_F(CommandLineTest, FlatEntryPoints)
 {
-    line.SetArgsList(List({"-count", "17", "-label", "abcd", "-flag"}));
+    line.SetArgsList(Arguments({"-count", "17", "-label", "abcd", "-flag"}));
     int result = -1;
     UTL_COMMANDLINEINTEGER("  count ", &result, 8);
     EXPECT_EQ(result, 17);

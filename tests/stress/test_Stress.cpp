@@ -1,3 +1,5 @@
+// Load runs: processes racing on one container, the thread pool under many tasks that sometimes
+// throw, and many spawned children with redirected streams.
 #include <gtest/gtest.h>
 
 #include <atomic>
@@ -13,7 +15,6 @@
 #include "thr/thr_ThreadPool.h"
 #include "uti/uti_Spawn.h"
 #include "utl/utl_MultisectionFile.h"
-#include "zul_SpawnTestSupport.h"
 #include "zul_TestSupport.h"
 
 namespace {
@@ -118,6 +119,12 @@ TEST(Stress, APoolRunsManyTasksOfWhichSomeThrow)
     EXPECT_EQ(pool.ErrorCondition(), throwing > 0);
     RecordProperty("throwing", static_cast<int>(throwing));
     pool.SetErrorCondition(false);
+    // The pool still runs tasks afterwards.
+    ASSERT_TRUE(pool.RunTask(new MaybeThrowingTask(false, ran, deleted)));
+    for (int i = 0; i < 10000 && deleted.load() < kTasks + 1; ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    EXPECT_EQ(ran.load(), kTasks + 1);
+    EXPECT_FALSE(pool.ErrorCondition());
     thr_GlobalSingletonBase<thr_ThreadPool>::Finalize();
 }
 

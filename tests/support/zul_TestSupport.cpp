@@ -1,52 +1,24 @@
+// The portable part of the test support.
 #include "zul_TestSupport.h"
 
 #include <atomic>
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
+#include <fcntl.h>
 #include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 
-#include <cstdlib>
-#include <fcntl.h>
-
-#if defined(_WIN32)
-#include <io.h>
-#include <process.h>
-#define ZUL_TEST_GETPID _getpid
-#else
-#include <unistd.h>
-#define ZUL_TEST_GETPID getpid
-#endif
-
 namespace zul_test {
 
 namespace fs = std::filesystem;
-
-#if defined(_WIN32)
-Descriptor::Descriptor(const std::string& path, int flags) : m_fd(_open(path.c_str(), flags | _O_BINARY, 0600)) {}
-Descriptor::~Descriptor()
-{
-    if (m_fd >= 0)
-        _close(m_fd);
-}
-#else
-Descriptor::Descriptor(const std::string& path, int flags) : m_fd(open(path.c_str(), flags, 0600)) {}
-Descriptor::~Descriptor()
-{
-    if (m_fd >= 0)
-        close(m_fd);
-}
-#endif
 
 TempDir::TempDir()
 {
     static std::atomic<unsigned> serial{0};
     const auto stamp = std::chrono::steady_clock::now().time_since_epoch().count();
     std::ostringstream name;
-    name << "zul_test_" << ZUL_TEST_GETPID() << '_' << serial++ << '_' << (stamp & 0xFFFFFF);
+    name << "zul_test_" << ProcessId() << '_' << serial++ << '_' << (stamp & 0xFFFFFF);
     fs::path dir = fs::temp_directory_path() / name.str();
     fs::create_directories(dir);
     m_path = dir.string();
@@ -83,16 +55,67 @@ void WriteFileBytes(const std::string& path, const std::string& bytes)
         throw std::runtime_error("cannot write " + path);
 }
 
-void SetEnvironment(const char* name, const char* value)
+std::string Bytes(std::initializer_list<int> values)
 {
-#if defined(_WIN32)
-    _putenv_s(name, value ? value : "");
-#else
-    if (value)
-        setenv(name, value, 1);
-    else
-        unsetenv(name);
-#endif
+    std::string out;
+    for (int v : values)
+        out.push_back(static_cast<char>(v));
+    return out;
+}
+
+std::string ProgramPath(const std::string& name)
+{
+    return ProgramDirectory() + name + kExeSuffix;
+}
+
+std::string ChildPath()
+{
+    return ProgramPath("zul_child");
+}
+
+cow_1DArrayList<cow_String> Arguments(const std::vector<std::string>& texts)
+{
+    cow_1DArrayList<cow_String> list;
+    for (const std::string& t : texts)
+        list.Append(cow_String(t.c_str()));
+    return list;
+}
+
+int OpenForReading(const std::string& path)
+{
+    return OpenDescriptor(path, O_RDONLY);
+}
+
+int OpenForWriting(const std::string& path)
+{
+    return OpenDescriptor(path, O_WRONLY | O_CREAT | O_TRUNC, 0666);
+}
+
+int OpenForUpdate(const std::string& path)
+{
+    return OpenDescriptor(path, O_RDWR);
+}
+
+std::string CommandOutput(const std::string& commandLine)
+{
+    std::FILE* pipe = StartCommand(commandLine);
+    if (!pipe)
+        return "<could not run " + commandLine + ">";
+    std::string out;
+    char buffer[256];
+    size_t n;
+    while ((n = std::fread(buffer, 1, sizeof buffer, pipe)) > 0)
+        for (size_t i = 0; i < n; ++i)
+            if (buffer[i] != '\r')
+                out += buffer[i];
+    EndCommand(pipe);
+    return out;
+}
+
+Descriptor::~Descriptor()
+{
+    if (m_fd >= 0)
+        CloseDescriptor(m_fd);
 }
 
 }  // namespace zul_test

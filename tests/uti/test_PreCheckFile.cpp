@@ -48,12 +48,8 @@ TEST(UtiPreCheckFile, TextsNameThePath)
 {
     zul_test::TempDir dir;
     const std::string missing = dir.File("gone.txt");
-    try {
-        uti_PreCheckFile(missing.c_str(), uti_ReadMode, "");
-        FAIL();
-    } catch (const uti_PreCheckFileException& e) {
-        EXPECT_EQ(e.UserReport(), (Portable(missing) + ": File not found").c_str());
-    }
+    EXPECT_EQ(zul_test::ReportOf<uti_PreCheckFileException>([&] { uti_PreCheckFile(missing.c_str(), uti_ReadMode, ""); }),
+              Portable(missing) + ": File not found");
     EXPECT_EQ(uti_PreCheckFileException(1, "x").UserReport(), "Empty filename");
     EXPECT_EQ(uti_PreCheckFileException(8, "d").UserReport(), "d: Directory permission denied");
     EXPECT_EQ(uti_PreCheckFileException(42, "x").UserReport(), "Unknown file precheck error");

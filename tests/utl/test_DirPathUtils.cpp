@@ -18,17 +18,13 @@ const char* const kDir = "/tmp/dir/";
 const char* const kDirTrimmed = "/tmp/dir";
 #endif
 
-TEST(UtlDirPathUtils, TrimRemovesExactlyOneSeparator)
+TEST(UtlDirPathUtils, TrimRemovesOneSeparatorAndAddAppendsOneWhenMissing)
 {
     EXPECT_EQ(utl_DirPathUtils::TrimSeparator(kDir), kDirTrimmed);
     EXPECT_EQ(utl_DirPathUtils::TrimSeparator(kDirTrimmed), kDirTrimmed);
     const cow_String root = utl_DirPathUtils::TrimSeparator(kRoot);
     EXPECT_EQ(root.Length(), static_cast<int>(std::strlen(kRoot)) - 1) << "a root loses its separator too";
     EXPECT_EQ(utl_DirPathUtils::TrimSeparator(""), "");
-}
-
-TEST(UtlDirPathUtils, AddAppendsOnlyWhenMissing)
-{
     EXPECT_EQ(utl_DirPathUtils::AddSeparator(kDirTrimmed), kDir);
     EXPECT_EQ(utl_DirPathUtils::AddSeparator(kDir), kDir);
     EXPECT_EQ(utl_DirPathUtils::AddSeparator("").Length(), 1);

@@ -8,18 +8,15 @@
 
 namespace {
 
+// The text of the E that `action` raises, thrown in the file layer's source.
 template <class E, class F>
 std::string TextOf(F action)
 {
-    try {
-        action();
-    } catch (const E& e) {
-        EXPECT_EQ(e.File(), "utl/impl/utl_File");
-        return e.UserReport().c_str();
-    } catch (const nex_Exception& other) {
-        ADD_FAILURE() << "another exception: " << other.UserReport().c_str();
-    }
-    return "<nothing raised>";
+    const auto e = zul_test::Raised<E>(action);
+    if (!e)
+        return "<nothing raised>";
+    EXPECT_EQ(e->File(), "utl/impl/utl_File");
+    return e->UserReport().c_str();
 }
 
 TEST(UtlFile, WriteThenReadBackWithPositions)
@@ -94,13 +91,11 @@ TEST(UtlFile, ReadOnlyGuards)
     const std::string path = dir.File("ro.dat");
     zul_test::WriteFileBytes(path, "abc");
     utl_File f(path.c_str(), utl_FileAccessRead);
-    const std::string name = path;
-    EXPECT_EQ(TextOf<utl_FileExceptionWrite>([&] { f.Write("x", 1); }),
-              "*** Error: Write failed (utl_File: attempt to write to a read-only file.)\nfile name: " + name);
-    EXPECT_EQ(TextOf<utl_FileExceptionWrite>([&] { f.WriteShortAllowed("x", 1); }),
-              "*** Error: Write failed (utl_File: attempt to write to a read-only file.)\nfile name: " + name);
+    const std::string refused = "*** Error: Write failed (utl_File: attempt to write to a read-only file.)\nfile name: " + path;
+    EXPECT_EQ(TextOf<utl_FileExceptionWrite>([&] { f.Write("x", 1); }), refused);
+    EXPECT_EQ(TextOf<utl_FileExceptionWrite>([&] { f.WriteShortAllowed("x", 1); }), refused);
     EXPECT_EQ(TextOf<utl_FileExceptionFlush>([&] { f.Flush(); }),
-              "*** Error: Flush failed (utl_File: attempt to flush a read-only file.)\nfile name: " + name);
+              "*** Error: Flush failed (utl_File: attempt to flush a read-only file.)\nfile name: " + path);
     try {
         f.Extend(100);
         FAIL();
@@ -145,12 +140,9 @@ TEST(UtlFile, FileOffsetDifferences)
 {
     EXPECT_EQ(utl_FileOffset(10).DiffAsInt32(3), 7);
     EXPECT_EQ(utl_FileOffset(3).DiffAsInt32(10), -7);
-    try {
-        utl_FileOffset(int64_t(1) << 40).DiffAsInt32(0);
-        ADD_FAILURE() << "a difference past 32 bits did not throw";
-    } catch (const nex_AssertException& e) {
-        EXPECT_EQ(e.Condition(), "d >= INT_MIN && d <= INT_MAX");  // as written, macros unexpanded
-    }
+    const auto e = zul_test::Raised<nex_AssertException>([] { utl_FileOffset(int64_t(1) << 40).DiffAsInt32(0); });
+    ASSERT_TRUE(e.has_value()) << "a difference past 32 bits did not throw";
+    EXPECT_EQ(e->Condition(), "d >= INT_MIN && d <= INT_MAX");  // as written, macros unexpanded
 }
 
 }  // namespace

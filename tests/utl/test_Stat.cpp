@@ -1,15 +1,9 @@
-// File status by path and descriptor: found, missing, missing directory.
+// File status by path and descriptor: found, missing, missing directory; file times.
 #include <gtest/gtest.h>
 
-#include <cstdio>
+#include <cstdlib>
 #include <ctime>
 #include <fcntl.h>
-
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
 
 #include "utl/utl_Stat.h"
 #include "zul_TestSupport.h"
@@ -30,6 +24,11 @@ TEST(UtlStat, RegularFileAndDirectory)
     const int64_t now = static_cast<int64_t>(std::time(nullptr));
     EXPECT_LE(std::llabs(st.LastWriteTime() - now), 120) << "times are seconds since 1970";
 
+    const zul_test::Descriptor fd(file, O_RDONLY);
+    const utl_Stat byDescriptor(fd.fd());
+    EXPECT_TRUE(byDescriptor.Found());
+    EXPECT_EQ(byDescriptor.Size(), 1234u);
+
     const utl_Stat d(cow_String(dir.Path().c_str()));
     EXPECT_TRUE(d.Found());
     EXPECT_TRUE(d.IsDirectory());
@@ -46,27 +45,6 @@ TEST(UtlStat, MissingFileIsAnAnswerAndMissingDirectoryRaises)
 
     const std::string deep = dir.File("no_such_dir") + "/" + "x.txt";
     EXPECT_THROW(utl_Stat(cow_String(deep.c_str())), nex_SystemErrorException);
-}
-
-TEST(UtlStat, ByDescriptor)
-{
-    zul_test::TempDir dir;
-    const std::string file = dir.File("d.txt");
-    zul_test::WriteFileBytes(file, "hello");
-#if defined(_WIN32)
-    const int fd = _open(file.c_str(), _O_RDONLY);
-#else
-    const int fd = open(file.c_str(), O_RDONLY);
-#endif
-    ASSERT_GE(fd, 0);
-    const utl_Stat st(fd);
-    EXPECT_TRUE(st.Found());
-    EXPECT_EQ(st.Size(), 5u);
-#if defined(_WIN32)
-    _close(fd);
-#else
-    close(fd);
-#endif
     EXPECT_THROW(utl_Stat(-1), nex_SystemErrorException) << "a descriptor without a handle";
 }
 

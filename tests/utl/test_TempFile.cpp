@@ -1,3 +1,4 @@
+// Temporary files: the directory chosen, the name's shape, exclusive owner-only creation.
 #include <gtest/gtest.h>
 
 #include <sys/stat.h>
@@ -59,12 +60,8 @@ private:
 TEST_F(TempFileTest, WithoutAScratchDirectoryNamingFailsAndCanBeRetried)
 {
     utl_TempFile file("dat");
-    try {
-        file.Create();
-        FAIL();
-    } catch (const utl_TempFileCantExc& e) {
-        EXPECT_STREQ(e.AsString().c_str(), "*** ERROR: Can't create unique temporary file name.");
-    }
+    EXPECT_EQ(zul_test::ReportOf<utl_TempFileCantExc>([&] { file.Create(); }),
+              "*** ERROR: Can't create unique temporary file name.");
     EXPECT_STREQ(file.Name().c_str(), "dat");  // still unnamed
 
     SetEnv("TMPDIR", dir.Path());
@@ -86,16 +83,10 @@ TEST_F(TempFileTest, DirectoryChoiceOptionThenScratchThenTmpdir)
     EXPECT_EQ(scratch.size(), dir.Path().size() + 1);  // one trailing separator
 
     TempDir option;
-    cow_1DArrayList<cow_String> args;
-    args.Append("-tmpdir");
-    args.Append(option.Path().c_str());
-    utl_CommandLine::Instance().SetArgsList(args);
+    utl_CommandLine::Instance().SetArgsList(zul_test::Arguments({"-tmpdir", option.Path()}));
     EXPECT_EQ(std::string(utl_TempFile::ScratchDirectory().c_str()).find(option.Path()), 0u);
-
-    cow_1DArrayList<cow_String> notDir;
-    notDir.Append("-tmpdir");
-    notDir.Append(dir.File("plain").c_str());  // falls through to the environment
-    utl_CommandLine::Instance().SetArgsList(notDir);
+    // Not a directory: falls through to the environment.
+    utl_CommandLine::Instance().SetArgsList(zul_test::Arguments({"-tmpdir", dir.File("plain")}));
     EXPECT_EQ(std::string(utl_TempFile::ScratchDirectory().c_str()).find(dir.Path()), 0u);
 }
 
@@ -123,13 +114,9 @@ TEST_F(TempFileTest, CreateIsExclusiveOwnerOnlyAndTheFileGoesWithTheObject)
     {
         utl_TempFile file("tmp");
         EXPECT_FALSE(file.OpenIfPresent());
-        try {
-            file.Open();  // before Create
-            FAIL();
-        } catch (const utl_TempFileOpenExc& e) {
-            const std::string text = e.AsString().c_str();
-            EXPECT_EQ(text.find("*** ERROR: Can't create temporary file: " + std::string(file.Name().c_str()) + ", system error: "), 0u);
-        }
+        const std::string text = zul_test::ReportOf<utl_TempFileOpenExc>([&] { file.Open(); });  // before Create
+        EXPECT_EQ(text.find("*** ERROR: Can't create temporary file: " + std::string(file.Name().c_str()) + ", system error: "), 0u)
+            << text;
         file.Create();
         EXPECT_GE(file.Descriptor(), 0);
         name = file.Name();

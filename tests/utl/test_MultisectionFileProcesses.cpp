@@ -8,66 +8,49 @@
 
 #include <chrono>
 #include <filesystem>
-#include <fstream>
 #include <string>
 #include <thread>
 #include <vector>
 
 #include "uti/uti_Spawn.h"
-#include "utl/utl_MultisectionFile.h"
-#include "zul_SpawnTestSupport.h"
-#include "zul_TestSupport.h"
+#include "utl_MultisectionTestSupport.h"
 
 namespace {
 
+using namespace utl_test;
 namespace fs = std::filesystem;
 
 const int kSections = 16;
 const int kSectionBytes = 1024 * 1024;
 
-// Every section holds kSectionBytes copies of one letter; answers that letter, or 0 when the
-// container cannot be read or any section fails its check.
-char ContentsOf(const std::string& path)
+// kSections sections of kSectionBytes copies of the letter.
+Sections Filled(char letter)
 {
-    try {
-        utl_MultisectionFile f(path.c_str(), utl_FileAccessRead);
-        if (f.SectionCount() != kSections)
-            return 0;
-        std::string data(kSectionBytes, '\0');
-        char letter = 0;
-        for (int i = 0; i < kSections; ++i) {
-            const cow_String name = f.SectionName(i);
-            if (f.getSectionLength(name) != kSectionBytes)
-                return 0;
-            f.getSectionData(name, &data[0]);
-            if (data.find_first_not_of(data[0]) != std::string::npos || (letter && data[0] != letter))
-                return 0;
-            letter = data[0];
-        }
-        return letter;
-    } catch (const nex_Exception&) {
-        return 0;
-    }
+    Sections out;
+    for (int i = 0; i < kSections; ++i)
+        out.emplace_back("section" + std::to_string(i), std::string(kSectionBytes, letter));
+    return out;
 }
 
-void WriteAll(const std::string& path, char letter)
+// 'A' or 'B' when the container holds Filled('A') or Filled('B'); 0 when it holds anything else
+// or cannot be read.
+char ContentsOf(const std::string& path)
 {
-    utl_MultisectionFile f(path.c_str(), utl_FileAccessWrite);
-    const std::string data(kSectionBytes, letter);
-    for (int i = 0; i < kSections; ++i)
-        f.setSectionData(("section" + std::to_string(i)).c_str(), data.data(), kSectionBytes);
-    f.saveChanges();
+    Sections now;
+    if (ReadSections(path, now))
+        for (char letter : {'A', 'B'})
+            if (now == Filled(letter))
+                return letter;
+    return 0;
 }
 
 std::vector<std::string> SaveFilesBeside(const std::string& path)
 {
     std::vector<std::string> found;
     const std::string name = fs::path(path).filename().string() + ".";
-    for (const fs::directory_entry& e : fs::directory_iterator(fs::path(path).parent_path())) {
-        const std::string file = e.path().filename().string();
+    for (const std::string& file : FilesIn(fs::path(path).parent_path().string()))
         if (file.compare(0, name.size(), name) == 0 && file.size() > 4 && file.compare(file.size() - 4, 4, ".tmp") == 0)
-            found.push_back(e.path().string());
-    }
+            found.push_back((fs::path(path).parent_path() / file).string());
     return found;
 }
 
@@ -77,11 +60,11 @@ void StartChild(uti_Spawn& child, const std::vector<std::string>& args, int outp
     child.Start(zul_test::ChildPath().c_str(), zul_test::Arguments(args), redirection);
 }
 
-TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
+TEST(UtlMultisectionFileProcesses, AKilledSaveIsAlwaysRecoverable)
 {
     zul_test::TempDir dir;
     const std::string path = dir.File("crash.msf");
-    WriteAll(path, 'A');
+    WriteContainer(path, Filled('A'));
     auto writeArgs = [&](char letter) {
         return std::vector<std::string>{"msf-write", path, std::string(1, letter), std::to_string(kSections), std::to_string(kSectionBytes)};
     };
@@ -128,7 +111,6 @@ TEST(MultisectionProcesses, AKilledSaveIsAlwaysRecoverable)
     RecordProperty("old", sawOld);
     RecordProperty("new", sawNew);
     RecordProperty("restored", restored);
-    EXPECT_EQ(sawOld + sawNew, kRounds);
 }
 
 // Runs zulutil with the arguments; its standard output and error go to `output`.
@@ -140,13 +122,13 @@ int RunTool(const std::vector<std::string>& args, const std::string& output)
     return tool.Reap(0);
 }
 
-TEST(MultisectionProcesses, AKilledWritersLockIsToldStaleAndRemovedALiveOneIsKept)
+TEST(UtlMultisectionFileProcesses, AKilledWritersLockIsToldStaleAndRemovedALiveOneIsKept)
 {
     zul_test::TempDir dir;
     const std::string path = dir.File("shared.msf");
     const std::string lockPath = path + ".lock";
     const std::string said = dir.File("said.out");
-    WriteAll(path, 'A');
+    WriteContainer(path, Filled('A'));
     uti_Spawn holder;
     StartChild(holder, {"msf-hold", path}, zul_test::OpenForWriting(said));
     bool ready = false;
@@ -165,12 +147,9 @@ TEST(MultisectionProcesses, AKilledWritersLockIsToldStaleAndRemovedALiveOneIsKep
     EXPECT_EQ(owner.host, self.host);
     EXPECT_EQ(owner.State(), utl_MultisectionLockLive);
     const auto start = std::chrono::steady_clock::now();
-    try {
-        utl_MultisectionFile second(path.c_str(), utl_FileAccessUpdate);
-        ADD_FAILURE() << "a second writer got in";
-    } catch (const nex_TextException& e) {
-        EXPECT_TRUE(e.UserReport().EndsWith("Cannot create the lock file.")) << e.UserReport().c_str();
-    }
+    const std::string refusal =
+        zul_test::ReportOf<nex_TextException>([&] { utl_MultisectionFile(path.c_str(), utl_FileAccessUpdate); });
+    EXPECT_EQ(refusal, "\"" + path + "\": Cannot create the lock file.");
     RecordProperty("refusal_ms", static_cast<int>(std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count() * 1000));
     EXPECT_EQ(ContentsOf(path), 'A') << "a reader still reads";
 #ifdef ZUL_TEST_ZULUTIL
@@ -196,68 +175,8 @@ TEST(MultisectionProcesses, AKilledWritersLockIsToldStaleAndRemovedALiveOneIsKep
     EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, after), utl_MultisectionUnlockRemoved);
 #endif
     EXPECT_FALSE(fs::exists(lockPath));
-    WriteAll(path, 'B');
+    WriteContainer(path, Filled('B'));
     EXPECT_EQ(ContentsOf(path), 'B');
-}
-
-// The owner line, and which owners count as stale, on locks written by hand.
-TEST(MultisectionProcesses, OnlyAnOwnerKnownToHaveEndedOnThisHostIsStale)
-{
-    zul_test::TempDir dir;
-    const std::string path = dir.File("c.msf");
-    const std::string lockPath = path + ".lock";
-    const utl_MultisectionLockOwner self = utl_MultisectionLockOwner::Current();
-    ASSERT_FALSE(self.host.IsEmpty());
-    ASSERT_FALSE(self.started.IsEmpty());
-    utl_MultisectionLockOwner owner;
-    EXPECT_FALSE(utl_MultisectionFile::LockOwner(path.c_str(), owner));
-    EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner), utl_MultisectionUnlockNotLocked);
-    {
-        utl_MultisectionFile writer(path.c_str(), utl_FileAccessWrite);
-        EXPECT_EQ(zul_test::ReadFileBytes(lockPath), "pid=" + std::to_string(self.processId) + " host=" + self.host.c_str() +
-                                                         " started=" + self.started.c_str() + "\n");
-        ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), owner));
-        EXPECT_EQ(owner.State(), utl_MultisectionLockLive);
-        EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner), utl_MultisectionUnlockRefused);
-        writer.saveChanges();
-    }
-    EXPECT_FALSE(fs::exists(lockPath));
-
-    const std::string pid = std::to_string(self.processId), host = self.host.c_str(), started = self.started.c_str();
-    struct Case {
-        std::string text;
-        utl_MultisectionLockStateEnm state;
-    } cases[] = {
-        {"pid=" + pid + " host=" + host + " started=" + started + "\r\nmore\n", utl_MultisectionLockLive},
-        {"extra=1 started=" + started + " host=" + host + " pid=" + pid, utl_MultisectionLockLive},
-        // The id now belongs to a process that started at another time.
-        {"pid=" + pid + " host=" + host + " started=1" + started + "\n", utl_MultisectionLockStale},
-        // A start time this platform cannot have written: whether it runs cannot be told.
-        {"pid=" + pid + " host=" + host + " started=later\n", utl_MultisectionLockLive},
-        {"pid=" + pid + " host=" + host + "x started=1" + started + "\n", utl_MultisectionLockOtherHost},
-        {"pid=" + pid + " host= started=1" + started + "\n", utl_MultisectionLockOtherHost},
-        {"", utl_MultisectionLockUnknownOwner},
-        {"pid=0 host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
-        {"pid=4294967296 host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
-        {"pid=12a host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
-        {"pid=" + pid + " host=" + host + "\n", utl_MultisectionLockUnknownOwner},
-        {"pid=" + pid + "  host=" + host + " started=1\n", utl_MultisectionLockUnknownOwner},
-        {"\npid=" + pid + " host=" + host + " started=1" + started, utl_MultisectionLockUnknownOwner},
-    };
-    for (const Case& c : cases) {
-        zul_test::WriteFileBytes(lockPath, c.text);
-        ASSERT_TRUE(utl_MultisectionFile::LockOwner(path.c_str(), owner)) << c.text;
-        EXPECT_EQ(owner.State(), c.state) << c.text;
-        EXPECT_EQ(owner.known, c.state != utl_MultisectionLockUnknownOwner) << c.text;
-        const bool stale = c.state == utl_MultisectionLockStale;
-        EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), false, owner),
-                  stale ? utl_MultisectionUnlockRemoved : utl_MultisectionUnlockRefused) << c.text;
-        EXPECT_EQ(fs::exists(lockPath), !stale) << c.text;
-        if (!stale) {
-            EXPECT_EQ(utl_MultisectionFile::RemoveLock(path.c_str(), true, owner), utl_MultisectionUnlockRemoved);
-            EXPECT_FALSE(fs::exists(lockPath));
-        }
-    }
 }
 
 }  // namespace

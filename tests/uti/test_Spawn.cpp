@@ -4,15 +4,11 @@
 
 #include <cstdlib>
 #include <string>
-#include <vector>
-
-#if !defined(_WIN32)
 #include <sys/stat.h>
-#endif
+#include <vector>
 
 #include "typ/typ_DebugFlags.h"
 #include "uti/uti_Spawn.h"
-#include "zul_SpawnTestSupport.h"
 #include "zul_TestSupport.h"
 
 namespace {
@@ -70,9 +66,7 @@ TEST(UtiSpawnText, EnvironmentBlockIsSortedAndZeroSeparated)
     env.Insert("B", "2");
     env.Insert("A", "");
     const cow_String block = uti_Spawn::BuildEnvironmentBlock(env);
-    const std::string expected("A=\0B=2\0PATH=/bin\0", 17);
-    ASSERT_EQ(block.Length() + 1, 1 + (1 + 0 + 2) + (1 + 1 + 2) + (4 + 4 + 2));
-    EXPECT_EQ(std::string(block.c_str(), static_cast<size_t>(block.Length())), expected);
+    EXPECT_EQ(std::string(block.c_str(), static_cast<size_t>(block.Length())), std::string("A=\0B=2\0PATH=/bin\0", 17));
     EXPECT_EQ(block.c_str()[block.Length()], '\0');
     EXPECT_TRUE(uti_Spawn::BuildEnvironmentBlock(uti_Spawn::Environment()).IsEmpty());
 }
@@ -91,31 +85,30 @@ TEST(UtiSpawn, ArgumentsRoundTrip)
     EXPECT_EQ(run.out, expected);
 }
 
+// The ZUL_ entries of the child's environment table, in table order, each followed by ";".
+std::string ZulEntries(const uti_Spawn::Environment& env)
+{
+    const std::string table = RunChild({"environ"}, env).out;
+    std::string ours;
+    for (size_t at = 0, end; at < table.size(); at = end + 1) {
+        end = table.find('\n', at);
+        const std::string line = table.substr(at, end - at);
+        if (line.compare(0, 4, "ZUL_") == 0)
+            ours += line + ";";
+    }
+    return ours;
+}
+
 TEST(UtiSpawn, EnvironmentMapOrInheritance)
 {
     zul_test::SetEnvironment("ZUL_SPAWN_PARENT", "from parent");
-    const Outcome inherited = RunChild({"env", "ZUL_SPAWN_PARENT"});
-    EXPECT_EQ(inherited.out, "ZUL_SPAWN_PARENT=from parent\n");
-    EXPECT_TRUE(uti_Spawn::getEnvironment().IsMember("ZUL_SPAWN_PARENT"));
+    EXPECT_NE(ZulEntries(uti_Spawn::Environment()).find("ZUL_SPAWN_PARENT=from parent;"), std::string::npos);
     EXPECT_STREQ(uti_Spawn::getEnvironment().ConstGet("ZUL_SPAWN_PARENT").c_str(), "from parent");
-
     uti_Spawn::Environment env;
     env.Insert("ZUL_C", "3");
     env.Insert("ZUL_A", "1 one");
     env.Insert("ZUL_B", "");
-    const Outcome own = RunChild({"env", "ZUL_A", "ZUL_B", "ZUL_SPAWN_PARENT"}, env);
-    EXPECT_EQ(own.out, "ZUL_A=1 one\nZUL_B=\nZUL_SPAWN_PARENT unset\n");
-    // The child's table keeps the block's ascending order.
-    const Outcome table = RunChild({"environ"}, env);
-    std::string ours;
-    for (size_t at = 0; at < table.out.size();) {
-        const size_t end = table.out.find('\n', at);
-        const std::string line = table.out.substr(at, end - at);
-        if (line.compare(0, 4, "ZUL_") == 0)
-            ours += line + ";";
-        at = end + 1;
-    }
-    EXPECT_EQ(ours, "ZUL_A=1 one;ZUL_B=;ZUL_C=3;");
+    EXPECT_EQ(ZulEntries(env), "ZUL_A=1 one;ZUL_B=;ZUL_C=3;") << "the map alone, in the block's ascending order";
     zul_test::SetEnvironment("ZUL_SPAWN_PARENT", nullptr);
 }
 
@@ -201,21 +194,18 @@ TEST(UtiSpawn, WaitForAnyAndAll)
 
 TEST(UtiSpawn, TraceWithDebugFlag)
 {
-    zul_test::TempDir dir;
     uti_Spawn::Environment env;
     env.Insert("ZUL_TRACED", "yes");
     const std::string child = ChildPath();
-    {
-        zul_test::StdoutCapture capture(dir.File("trace"));
-        typ_DebugFlags::SetDebugFlags("uti", 3);
-        uti_Redirection redirection(-1, -1, 1);
-        uti_Spawn spawn;
-        spawn.Start(child.c_str(), Arguments({"exit", "two words"}), redirection, env);
-        uti_Spawn* all[] = {&spawn};
-        uti_Spawn::waitForAll(all, 1, 0);
-        typ_DebugFlags::SetDebugFlags("uti", 0);
-    }
-    const std::string trace = zul_test::ReadFileBytes(dir.File("trace"));
+    testing::internal::CaptureStdout();
+    typ_DebugFlags::SetDebugFlags("uti", 3);
+    uti_Redirection redirection(-1, -1, 1);
+    uti_Spawn spawn;
+    spawn.Start(child.c_str(), Arguments({"exit", "two words"}), redirection, env);
+    uti_Spawn* all[] = {&spawn};
+    uti_Spawn::waitForAll(all, 1, 0);
+    typ_DebugFlags::SetDebugFlags("uti", 0);
+    const std::string trace = testing::internal::GetCapturedStdout();
     const std::string line = uti_Spawn::BuildCommandLine(child.c_str(), Arguments({"exit", "two words"})).c_str();
     EXPECT_NE(trace.find("uti_Spawn - spawning: " + line + "\n"), std::string::npos) << trace;
     EXPECT_NE(trace.find("              argument 1: two words\n"), std::string::npos) << trace;
@@ -227,36 +217,23 @@ TEST(UtiSpawn, TraceWithDebugFlag)
 TEST(UtiSpawn, CommandLookup)
 {
     zul_test::TempDir dir;
-#if defined(_WIN32)
-    const char* fileName = "zul_tool.exe";
-#else
-    const char* fileName = "zul_tool";
-#endif
-    zul_test::WriteFileBytes(dir.File(fileName), "not a program");
-#if !defined(_WIN32)
-    chmod(dir.File(fileName).c_str(), 0755);
-#endif
+    const std::string file = dir.File(std::string("zul_tool") + zul_test::kExeSuffix);
+    zul_test::WriteFileBytes(file, "not a program");
+    zul_test::MakeExecutable(file);
     const char* oldPath = std::getenv("PATH");
     const std::string saved = oldPath ? oldPath : "";
-#if defined(_WIN32)
-    const std::string path = dir.Path() + ";" + saved;
-#else
-    const std::string path = dir.Path() + ":" + saved;
-#endif
-    zul_test::SetEnvironment("PATH", path.c_str());
-    EXPECT_STREQ(Finder::FindCommand("zul_tool").AbsolutePathName().c_str(), dir.File(fileName).c_str());
+    zul_test::SetEnvironment("PATH", (dir.Path() + zul_test::kPathListSeparator + saved).c_str());
+    EXPECT_STREQ(Finder::FindCommand("zul_tool").AbsolutePathName().c_str(), file.c_str());
 #if defined(_WIN32)
     // ".exe" is recognised in any case and then not appended again.
     EXPECT_STREQ(Finder::FindCommand("zul_tool.EXE").FileName().c_str(), "zul_tool.EXE");
 #else
-    chmod(dir.File(fileName).c_str(), 0644);
-    try {
-        Finder::FindCommand("zul_tool");
-        ADD_FAILURE() << "a file without execute permission was accepted";
-    } catch (const uti_CmdFailedException& e) {
-        EXPECT_NE(std::string(e.JournalMessage().c_str()).find(dir.File(fileName)), std::string::npos);
-        EXPECT_EQ(e.DynTypeId(), uti_CmdFailedException::TypeId());
-    }
+    // A file without execute permission is not a command.
+    chmod(file.c_str(), 0644);
+    const auto e = zul_test::Raised<uti_CmdFailedException>([] { Finder::FindCommand("zul_tool"); });
+    ASSERT_TRUE(e.has_value());
+    EXPECT_NE(std::string(e->JournalMessage().c_str()).find(file), std::string::npos);
+    EXPECT_EQ(e->DynTypeId(), uti_CmdFailedException::TypeId());
 #endif
     zul_test::SetEnvironment("PATH", saved.c_str());
 }
@@ -267,41 +244,30 @@ TEST(UtiSpawn, FailuresCloseEverythingHandedOver)
     const int before = zul_test::OpenDescriptorCount();
     uti_Redirection redirection(zul_test::OpenForWriting(dir.File("in")), zul_test::OpenForWriting(dir.File("out")), 1);
     uti_Spawn child;
-    try {
-        child.Start("zul_no_such_command", Arguments({"x"}), redirection);
-        FAIL();
-    } catch (const uti_CommandNotFoundException& e) {
-        EXPECT_STREQ(e.Command().c_str(), "zul_no_such_command");
-        EXPECT_NE(std::string(e.AsString().c_str()).find("zul_no_such_command"), std::string::npos);
-        EXPECT_STREQ(e.PythonType().c_str(), "CommandError");
-    }
+    const auto notFound = zul_test::Raised<uti_CommandNotFoundException>(
+        [&] { child.Start("zul_no_such_command", Arguments({"x"}), redirection); });
+    ASSERT_TRUE(notFound.has_value());
+    EXPECT_STREQ(notFound->Command().c_str(), "zul_no_such_command");
+    EXPECT_NE(std::string(notFound->AsString().c_str()).find("zul_no_such_command"), std::string::npos);
+    EXPECT_STREQ(notFound->PythonType().c_str(), "CommandError");
     for (int i = 0; i < uti_Redirection::Count; ++i)
         EXPECT_EQ(redirection.Descriptor(i), -1);
     EXPECT_EQ(zul_test::OpenDescriptorCount(), before);
 
     // Found, but the system cannot start it.
-#if defined(_WIN32)
-    const std::string bad = dir.File("bad.exe");
-#else
-    const std::string bad = dir.File("bad");
-#endif
+    const std::string bad = dir.File(std::string("bad") + zul_test::kExeSuffix);
     zul_test::WriteFileBytes(bad, "not a program\n");
-#if !defined(_WIN32)
-    chmod(bad.c_str(), 0755);
-#endif
+    zul_test::MakeExecutable(bad);
     uti_Redirection second(-1, zul_test::OpenForWriting(dir.File("out2")), -1);
-    try {
-        child.Start(bad.c_str(), Arguments({}), second);
-        FAIL();
-    } catch (const uti_IOErrorException& e) {
+    const auto failed = zul_test::Raised<uti_IOErrorException>([&] { child.Start(bad.c_str(), Arguments({}), second); });
+    ASSERT_TRUE(failed.has_value());
 #if defined(_WIN32)
-        EXPECT_STREQ(e.Call().c_str(), "CreateProcess");
+    EXPECT_STREQ(failed->Call().c_str(), "CreateProcess");
 #else
-        EXPECT_STREQ(e.Call().c_str(), "posix_spawn");
+    EXPECT_STREQ(failed->Call().c_str(), "posix_spawn");
 #endif
-        EXPECT_EQ(e.Spawn(), &child);
-        EXPECT_NE(e.Error(), 0);
-    }
+    EXPECT_EQ(failed->Spawn(), &child);
+    EXPECT_NE(failed->Error(), 0);
     EXPECT_EQ(second.Descriptor(1), -1);
     EXPECT_EQ(zul_test::OpenDescriptorCount(), before);
     EXPECT_FALSE(child.IsRunning());

@@ -2,15 +2,9 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 #include <string>
-
-#if defined(_WIN32)
-#include <direct.h>
-#define zul_getcwd _getcwd
-#else
-#include <unistd.h>
-#define zul_getcwd getcwd
-#endif
+#include <thread>
 
 #include "utl/utl_HostInfo.h"
 
@@ -31,22 +25,21 @@ TEST(UtlHostInfo, DateAndTimeFormats)
 
 TEST(UtlHostInfo, ProcessAndHost)
 {
-    char cwd[4096];
-    ASSERT_NE(zul_getcwd(cwd, sizeof(cwd)), nullptr);
-    EXPECT_STREQ(utl_getcwd().c_str(), cwd);
+    EXPECT_EQ(utl_getcwd().c_str(), std::filesystem::current_path().string());
     EXPECT_FALSE(utl_getHostName().IsEmpty());
     EXPECT_FALSE(utl_getUserName().IsEmpty());
 #if defined(_WIN32)
     EXPECT_STREQ(utl_getPlatform().c_str(), "win86_64");
 #else
     EXPECT_STREQ(utl_getPlatform().c_str(), "lnx86_64");
-    EXPECT_EQ(utl_getNumberCpus(), static_cast<int>(sysconf(_SC_NPROCESSORS_ONLN)));
 #endif
-    EXPECT_GE(utl_getNumberCpus(), 1);
+    EXPECT_EQ(utl_getNumberCpus(), static_cast<int>(std::thread::hardware_concurrency()));
     const int mhz = utl_getCpusClockSpeed();
-    EXPECT_TRUE(mhz == -1 || mhz > 0) << mhz;
+    EXPECT_TRUE(mhz == -1 || mhz > 0) << mhz << ": a speed, or -1 when the system does not tell";
+    EXPECT_EQ(utl_sleep(1), 1);
 }
 
+// The vendor string and the flags read from it agree; the model has a name.
 TEST(UtlHostInfo, ProcessorIdentification)
 {
     char vendor[16];
@@ -55,14 +48,10 @@ TEST(UtlHostInfo, ProcessorIdentification)
     EXPECT_EQ(std::strlen(vendor), 12u);
     EXPECT_EQ(utl_isIntelCore(), std::strcmp(vendor, "GenuineIntel") == 0 ? 1 : 0);
     EXPECT_EQ(utl_isAMDCore(), std::strcmp(vendor, "AuthenticAMD") == 0 ? 1 : 0);
-    EXPECT_EQ(utl_has3DNOWsupport(), utl_isAMDCore());
     char model[49] = {};
     utl_getProcessorModel(model);
     EXPECT_GT(std::strlen(model), 0u);
-    EXPECT_EQ(utl_hasSSEsupport() + utl_hasSSE2support() + utl_isP4Compat(), 3);
-    const int sse3 = utl_hasSSE3support();
-    EXPECT_TRUE(sse3 == 0 || sse3 == 1);
-    EXPECT_EQ(utl_sleep(1), 1);
+    EXPECT_EQ(utl_hasSSE2support(), 1) << "every x86-64 processor has SSE2";
 }
 
 }  // namespace

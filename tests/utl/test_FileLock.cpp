@@ -2,16 +2,10 @@
 #include <gtest/gtest.h>
 
 #include <cerrno>
-
-#if defined(_WIN32)
-#include <io.h>
-#else
-#include <unistd.h>
-#endif
+#include <fcntl.h>
 
 #include "uti/uti_Spawn.h"
 #include "utl/utl_FileLock.h"
-#include "zul_SpawnTestSupport.h"
 #include "zul_TestSupport.h"
 
 namespace {
@@ -24,44 +18,33 @@ int ChildLocks(const std::string& path, int operation)
     return child.Reap(0);
 }
 
-void CloseDescriptor(int fd)
-{
-#if defined(_WIN32)
-    _close(fd);
-#else
-    close(fd);
-#endif
-}
-
 TEST(UtlFlock, UnknownOperationsAreRefused)
 {
     zul_test::TempDir dir;
     zul_test::WriteFileBytes(dir.File("f"), "data");
-    const int fd = zul_test::OpenForWriting(dir.File("f"));
+    const zul_test::Descriptor file(dir.File("f"), O_RDWR);
     for (int op : {0, 3, 4, 7, 9, 12}) {
         errno = 0;
-        EXPECT_EQ(utl_flock(fd, op), -1) << op;
-        EXPECT_EQ(errno, 22) << op;
+        EXPECT_EQ(utl_flock(file.fd(), op), -1) << op;
+        EXPECT_EQ(errno, EINVAL) << op;
     }
     EXPECT_EQ(utl_flock(-1, utl_FlockExclusive | utl_FlockNoWait), -1);
     EXPECT_FALSE(utl_noInheritFile(-1));
     EXPECT_FALSE(utl_noInheritSocket(-1));
-    EXPECT_TRUE(utl_noInheritFile(fd));
-    CloseDescriptor(fd);
+    EXPECT_TRUE(utl_noInheritFile(file.fd()));
 }
 
 TEST(UtlFlock, ExclusiveLockExcludesAnotherProcess)
 {
     zul_test::TempDir dir;
-    zul_test::WriteFileBytes(dir.File("locked"), "data");
-    const int fd = zul_test::OpenForWriting(dir.File("locked"));
-    ASSERT_GE(fd, 0);
-    ASSERT_EQ(utl_flock(fd, utl_FlockExclusive), 0);
-    EXPECT_EQ(ChildLocks(dir.File("locked"), utl_FlockExclusive | utl_FlockNoWait), 1);
-    EXPECT_EQ(ChildLocks(dir.File("locked"), utl_FlockShared | utl_FlockNoWait), 1);
-    ASSERT_EQ(utl_flock(fd, utl_FlockUnlock), 0);
-    EXPECT_EQ(ChildLocks(dir.File("locked"), utl_FlockExclusive | utl_FlockNoWait), 0);
-    CloseDescriptor(fd);
+    const std::string path = dir.File("locked");
+    zul_test::WriteFileBytes(path, "data");
+    const zul_test::Descriptor file(path, O_RDWR);
+    ASSERT_EQ(utl_flock(file.fd(), utl_FlockExclusive), 0);
+    EXPECT_EQ(ChildLocks(path, utl_FlockExclusive | utl_FlockNoWait), 1);
+    EXPECT_EQ(ChildLocks(path, utl_FlockShared | utl_FlockNoWait), 1);
+    ASSERT_EQ(utl_flock(file.fd(), utl_FlockUnlock), 0);
+    EXPECT_EQ(ChildLocks(path, utl_FlockExclusive | utl_FlockNoWait), 0);
 }
 
 }  // namespace
