@@ -12,6 +12,7 @@
 #include "crypto_Hex.h"
 #include "nex/nex_Exception.h"
 #include "uti/uti_Rotor.h"
+#include "zul_TestSupport.h"
 
 using namespace crypto_test;
 
@@ -95,14 +96,7 @@ std::string RunModel(int rotors, const std::string& key, const std::string& data
     const std::string command = std::string("\"") + ZUL_TEST_PYTHON + "\" \"" + ZUL_ROTOR_MODEL + "\" " +
                                 std::to_string(rotors) + " \"" + Hex(key) + "\" \"" + Hex(data) + "\" " +
                                 (encrypt ? "encrypt" : "decrypt");
-    std::string text;
-    if (FILE* pipe = popen(command.c_str(), "r")) {
-        char buffer[4096];
-        for (size_t got; (got = fread(buffer, 1, sizeof buffer, pipe)) > 0;)
-            text.append(buffer, got);
-        pclose(pipe);
-    }
-    return text;
+    return zul_test::CommandOutput(command);
 }
 
 // The same printout from the library's machine.
