@@ -8,6 +8,8 @@
 ///                                    there is none
 ///   ZUL_PREFETCH(p)                  a hint to start loading the memory at p; nothing where
 ///                                    there is none
+///   ZUL_COLD                         before a function: called rarely, never inlined, so that
+///                                    a hot caller keeps its registers; nothing where there is none
 ///   zul_CountLeadingZeros32(v)       the number of zero bits above the highest set bit of a
 ///                                    nonzero 32-bit value (31 for 1); v must not be 0
 /// @endcode
@@ -25,11 +27,17 @@
 #define ZUL_UNLIKELY(x) __builtin_expect(static_cast<bool>(x), 0)
 #define ZUL_PRINTF_FORMAT(f, a) __attribute__((format(printf, f, a)))
 #define ZUL_PREFETCH(p) __builtin_prefetch(p)
+#define ZUL_COLD __attribute__((noinline, cold))
 #else
 #define ZUL_LIKELY(x) static_cast<bool>(x)
 #define ZUL_UNLIKELY(x) static_cast<bool>(x)
 #define ZUL_PRINTF_FORMAT(f, a)
 #define ZUL_PREFETCH(p) static_cast<void>(p)
+#if defined(_MSC_VER)
+#define ZUL_COLD __declspec(noinline)
+#else
+#define ZUL_COLD
+#endif
 #endif
 
 /// The loop that every compiler can run: the position of the highest set bit, counted down.

@@ -24,6 +24,7 @@
 #include <cstdint>
 #include <cstring>
 #include <new>
+#include <type_traits>
 
 #include "cow/cow_COW.h"
 #include "mem/mem_Memory.h"
@@ -332,10 +333,22 @@ private:
         return DefaultElement();
     }
 
-    /// The calling thread's default element (see mem_ThreadObject): made at its first read of a
-    /// block not made yet and never written, so threads reading arrays of their own never touch
-    /// the same object.
+    /// The default element. Copying a plain value touches nothing shared, so one constant serves
+    /// every thread; a type whose copy changes a count (a list, a string) gets the calling
+    /// thread's own object (see mem_ThreadObject), made at its first read of a block not made
+    /// yet and never written, so threads reading arrays of their own never touch the same one.
+    /// (The call stays off the paths of plain values: a call inside a loop over made blocks
+    /// would make it keep its sums in memory.)
     static const T& DefaultElement()
+    {
+        if constexpr (std::is_trivially_copyable<T>::value) {
+            static const T value = T();
+            return value;
+        } else {
+            return ThreadDefaultElement();
+        }
+    }
+    ZUL_COLD static const T& ThreadDefaultElement()
     {
         return *static_cast<const T*>(mem_ThreadObject(&s_defaultTag, &MakeDefault, &DestroyDefault));
     }

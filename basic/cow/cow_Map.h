@@ -13,8 +13,10 @@
 ///
 /// Contracts: Get and ConstGet need a present key (test IsMember first); on a missing key their
 /// result is not to be used. What they answer then is a default value that belongs to the calling
-/// thread, made afresh for every miss (it outlives the call, to the thread's end): threads that
-/// each miss on maps of their own never touch the same object. An iterator's Key() and Value() are
+/// thread, made afresh for every miss (it outlives the call, to the thread's end), or, for
+/// ConstGet of a plain value (one copied without side effects), a constant default that is never
+/// written: threads that each miss on maps of their own never write the same object. An
+/// iterator's Key() and Value() are
 /// read only while NotDone() is true.
 ///
 /// Thread rule: the node counts are plain integers: maps that share nodes (a map, its copies and
@@ -35,6 +37,7 @@
 
 #include <cstdlib>
 #include <new>
+#include <type_traits>
 
 #include "cow/cow_COW.h"
 #include "cow/cow_List.h"
@@ -142,7 +145,7 @@ public:
     const V& ConstGet(const K& key) const
     {
         const Node* node = Find(key);
-        return node ? node->value : MissingValue();
+        return node ? node->value : ConstMissingValue();
     }
 
     bool IsMember(const K& key) const { return Find(key) != nullptr; }
@@ -211,11 +214,23 @@ private:
     /// What Get and ConstGet answer for a missing key (a caller error): a default value, so that
     /// the error reads garbage rather than memory outside the map. It is the calling thread's own
     /// (see mem_ThreadObject), so the reset below never races with another thread.
-    static V& MissingValue()
+    ZUL_COLD static V& MissingValue()
     {
         V& value = *static_cast<V*>(mem_ThreadObject(&s_missingTag, &MakeMissing, &DestroyMissing));
         value = V();
         return value;
+    }
+    /// What ConstGet answers for a missing key: for a plain value one constant, never written,
+    /// which threads share safely (and a loop of ConstGet over plain values has no call on its
+    /// path); for a value whose copy changes a count, the calling thread's MissingValue.
+    static const V& ConstMissingValue()
+    {
+        if constexpr (std::is_trivially_copyable<V>::value) {
+            static const V value = V();
+            return value;
+        } else {
+            return MissingValue();
+        }
     }
     static void* MakeMissing() { return cow_New<V>(); }
     static void DestroyMissing(void* value) { cow_Destroy(static_cast<V*>(value)); }

@@ -15,8 +15,9 @@ namespace fallback {
 
 namespace {
 
-// Declared with the attribute macro, which must expand to nothing here.
+// Declared with the attribute macros, which must expand to nothing here.
 int Formatted(char* out, const char* format, int value) ZUL_PRINTF_FORMAT(2, 3);
+ZUL_COLD int Twice(int value) { return 2 * value; }
 int Formatted(char* out, const char* format, int value)
 {
     return std::snprintf(out, 16, format, value);
@@ -34,7 +35,7 @@ TEST(CompilerFallbacks, CountLeadingZerosByTheLoop)
     }
 }
 
-TEST(CompilerFallbacks, BranchHintsAndFormatAttributeAreThePlainForms)
+TEST(CompilerFallbacks, BranchHintsAndAttributesAreThePlainForms)
 {
     int calls = 0;
     auto counted = [&calls](int v) {
@@ -45,6 +46,7 @@ TEST(CompilerFallbacks, BranchHintsAndFormatAttributeAreThePlainForms)
     EXPECT_FALSE(ZUL_UNLIKELY(counted(0)));
     ZUL_PREFETCH(&calls);  // a plain expression: evaluated, nothing else
     EXPECT_EQ(calls, 2);  // each condition evaluated once
+    EXPECT_EQ(Twice(21), 42);
     char out[16];
     EXPECT_EQ(Formatted(out, "<%d>", 42), 4);
     EXPECT_STREQ(out, "<42>");
