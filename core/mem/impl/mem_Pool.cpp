@@ -197,12 +197,19 @@ FreeBlock* PopListed(ThreadState* t, int c)
 }  // namespace
 
 // A chunk whose blocks have all come back is carved afresh later, so that what is made next
-// lies together again however the blocks were freed. Its lists are dropped (entries for it on
-// the avail lists are dropped when met).
+// lies together again however the blocks were freed. Its lists are dropped: where it heads an
+// avail list it leaves it at once (so that a program that frees everything it made, and makes it
+// again, carves on the inline path instead of meeting an empty list each time); entries further
+// down are dropped when met.
 void Recycle(ThreadState* t, Chunk* chunk)
 {
-    for (FreeBlock*& list : chunk->free)
-        list = nullptr;
+    for (int c = 0; c < kClasses; ++c) {
+        chunk->free[c] = nullptr;
+        if (t->avail[c] == chunk) {
+            t->avail[c] = chunk->nextAvail[c];
+            chunk->listed &= ~(uint32_t(1) << c);
+        }
+    }
     if (chunk == t->carving) {
         StartCarving(t, chunk);
     } else {
