@@ -9,6 +9,7 @@
 #include "crypto_Hex.h"
 #include "nex/nex_Exception.h"
 #include "uti/uti_Blowfish.h"
+#include "zul_TestSupport.h"
 
 #ifdef ZUL_TEST_OPENSSL
 #include <openssl/blowfish.h>
@@ -83,17 +84,6 @@ std::string HexOf(const uti_Blowfish::DWord& block)
     return text;
 }
 
-template <class F>
-std::string MessageOf(F f)
-{
-    try {
-        f();
-    } catch (const nex_TextException& e) {
-        return e.Message().c_str();
-    }
-    return "no exception";
-}
-
 }  // namespace
 
 TEST(UtiBlowfish, EricYoungEcbVectors)
@@ -137,13 +127,13 @@ TEST(UtiBlowfish, PaddingAndLengthMessages)
     EXPECT_EQ(Bytes(bf.Decrypt(nine)), std::string("123456789") + std::string(7, '\0'));
     EXPECT_EQ(bf.Encrypt(Cow(std::string(16, 'x'))).Length(), 16);
 
-    EXPECT_EQ(MessageOf([&] { bf.Decrypt("12345"); }), "Blowfish requires the input to be a multiple of 8 bytes.");
+    EXPECT_EQ(zul_test::ReportOf<nex_TextException>([&] { bf.Decrypt("12345"); }), "Blowfish requires the input to be a multiple of 8 bytes.");
     uti_Blowfish::DWord blocks[2] = {{1u, 2u}, {3u, 4u}};
-    EXPECT_EQ(MessageOf([&] { bf.EncryptDWords(blocks, 12); }),
+    EXPECT_EQ(zul_test::ReportOf<nex_TextException>([&] { bf.EncryptDWords(blocks, 12); }),
               "Blowfish encryption requires the input to be a multiple of 8 bytes (64 bits).");
-    EXPECT_EQ(MessageOf([&] { bf.DecryptDWords(blocks, 12); }),
+    EXPECT_EQ(zul_test::ReportOf<nex_TextException>([&] { bf.DecryptDWords(blocks, 12); }),
               "Blowfish decryption requires the input to be a multiple of 8 bytes (64 bits).");
-    EXPECT_EQ(MessageOf([&] { bf.DecryptDWords(blocks, -8); }),
+    EXPECT_EQ(zul_test::ReportOf<nex_TextException>([&] { bf.DecryptDWords(blocks, -8); }),
               "Blowfish decryption requires the input to be a multiple of 8 bytes (64 bits).");
     EXPECT_EQ(blocks[0].m_Left, 1u);  // nothing touched before the check
     EXPECT_EQ(blocks[1].m_Right, 4u);
